@@ -1,0 +1,51 @@
+// The two memory images and the files that go into them.
+//
+// Owns the records AP_Buffer and Data_Buffer, the load driver through which
+// every load passes, the two readers (hex_reader.h, bin_reader.h) with their
+// range rules, and the page of hexadecimal text. Called by the wiring (buttons,
+// dropped files), the download (reload) and later by projects. Always holds: the
+// byte arrays are never resized, and no file can store outside them. Trouble
+// with ranges is told in one box; a file that can't be read counts as empty.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "frmMain.h"
+
+namespace vkm {
+
+// Sizes both images and names them. Once, at start.
+void Allocate_Buffers(frmMain& frm);
+
+// Empties one image: every byte gets `value`.
+void Reset_Buffer(frmMain& frm, std::uint8_t value, Image_Buffer& buffer);
+
+// The open dialog; kind "AP" or "DATA". Empty when the operator cancels.
+std::string Choose_File(frmMain& frm, std::string_view kind);
+
+// Tells the operator when the remembered program file has gone.
+void Check_Last_File(frmMain& frm);
+
+// Start_Add and Clear_First from the screen.
+void Read_Buffer_Options(frmMain& frm, Image_Buffer& buffer);
+
+// The driver of every load. An empty path does nothing.
+void Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer);
+
+// Fits the scroll bar to the image and redraws the page.
+void Refresh_Buffer_View(frmMain& frm, Image_Buffer& buffer, Auto_Increase_Set& set);
+
+// The scroll bar of a view moved: 0 program image, 1 data image.
+void vscFile_Change(frmMain& frm, int element);
+
+// ---- the operator's entry points ----
+void comLoadFile(frmMain& frm);
+void comLoadDataFile(frmMain& frm);
+void Open_Dropped_File(frmMain& frm, const std::string& path);
+void comStoreFile(frmMain& frm);
+// txt_Start_Address or txt_length changed: comStoreFile needs both.
+void Enable_Save_File(frmMain& frm);
+
+}  // namespace vkm

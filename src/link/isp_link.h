@@ -1,0 +1,95 @@
+// The link with the boot firmware of a chip, over the one serial port.
+//
+// Owns the wire: sending frames, gathering replies (the receive handler), the
+// waits for them, and everything up to a chip that is identified and talks at
+// its final baud (handshake.h, baud_exchange.h). Called by the session flows and
+// the board. Always holds: half duplex, one request then one answer; flags are
+// cleared before a frame is written, never after; nothing is retransmitted here.
+// A failure is a result of -1 or false, never a text, except in the handshake.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "frmMain.h"
+
+namespace vkm {
+
+// ---- port -------------------------------------------------------------
+
+// Read all that waits, binary, threshold 1; both buffers emptied.
+void set_port_defaults(frmMain& frm);
+
+// Closes the port if it is open, takes the number from combCommPort and opens
+// it. 0 open, -1 not open without an error, else the system's error number.
+int open_port(frmMain& frm);
+
+// True if the port still reports open after three tries. Also turns the port's
+// picture to its closed look.
+bool close_port(frmMain& frm);
+
+// Closes, takes the number from combCommPort, opens, with up to two more tries.
+// The settings stay.
+void Restart_Port(frmMain& frm);
+
+// Sets the port's settings to "BAUD,n,8,1".
+bool set_port_baud(frmMain& frm, std::string_view baud);
+
+// The list of cobBaudMax stands at the base baud, so that nothing may change
+// the rate: the first four characters of its text equal Base_Baud.
+bool held_at_base_baud(const frmMain& frm);
+
+// ---- receiving ----------------------------------------------------------
+
+// Forgets everything received. On a closed port it opens it for that, and
+// closes it again unless held at the base baud.
+void reset_receive(frmMain& frm);
+
+// Copies rx_frame into rx_copy; the count of bytes.
+int copy_receive(frmMain& frm);
+
+// The receive handler; the event loop calls it while bytes wait.
+void on_port_event(frmMain& frm);
+
+// ---- sending ------------------------------------------------------------
+
+// Writes a frame to the port.
+void write_frame(frmMain& frm, std::span<const std::uint8_t> bytes);
+
+// Writes a frame; if bytes are still unsent lets events run once; waits 3 ms.
+void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes);
+
+// One block of `count` bytes of the image from `address`: 0 when the chip
+// acknowledged it, else -1.
+int send_block(frmMain& frm, std::int32_t address, std::int32_t count, bool flag,
+               std::span<const std::uint8_t> image);
+
+// A short command with the board fields; the caller waits.
+void send_command(frmMain& frm, std::uint8_t command, std::int32_t timeout_ms,
+                  std::uint8_t parameter);
+
+// A short command of the 5A A5 class, once the output is empty and 20 ms later.
+void send_demo_command(frmMain& frm, std::uint8_t command);
+
+// The trigger, opening the port if it is closed. 0, or -1 when the command is no
+// trigger or the port won't open.
+int send_trigger(frmMain& frm, std::uint8_t command);
+
+// ---- waiting for a reply --------------------------------------------------
+
+// The usual wait: restarts Timer7 and waits for frame_ok, stop_requested or the
+// timer's end. True when a frame came.
+bool wait_for_frame(frmMain& frm, std::int32_t timeout_ms);
+
+// How long a block's answer may take (ms), by the chip's clock and the baud.
+std::int32_t reply_timeout(double crystal_frequency, std::int32_t baud);
+
+// Sets Timer7 to that and starts it.
+void arm_reply_timer(frmMain& frm);
+
+// Ticks of the link's timers.
+void Timer1_Tick(frmMain& frm);
+void Timer2_Tick(frmMain& frm);
+
+}  // namespace vkm

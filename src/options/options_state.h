@@ -1,0 +1,33 @@
+// Option bytes: what goes to the chip and what came from it.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace vkm {
+
+inline constexpr int option_byte_count = 17;  // byte numbers 0 to 16
+
+struct OptionsState {
+    // Column 0 the byte as it goes to the chip, 1 AND mask, 2 OR mask, 3 unused.
+    std::array<std::array<std::int16_t, option_byte_count>, 4> Option_Bytes{};
+    // The bytes as read from the chip, by byte number.
+    std::array<std::int16_t, option_byte_count> Chip_Bytes{};
+
+    // By option key "1", "0" or nothing: whether the chip's bit (Read_State), or
+    // the panel's choice (Panel_State), agrees with the key's row of the schema.
+    std::map<std::string, std::string, std::less<>> Read_State;
+    std::map<std::string, std::string, std::less<>> Panel_State;
+};
+
+// The state of a key has a value above 0.
+inline bool option_on(const std::map<std::string, std::string, std::less<>>& states,
+                      std::string_view key) {
+    const auto found = states.find(key);
+    return found != states.end() && found->second == "1";
+}
+
+}  // namespace vkm

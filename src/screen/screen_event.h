@@ -1,0 +1,27 @@
+// What the operator did to a control. The edge has brought the control's record
+// up to date before the event is handed in.
+#pragma once
+
+#include <string>
+
+#include "screen/control.h"
+
+namespace vkm {
+
+enum class EventKind {
+    Click,     // button, check box, option, entry of a list, tab, node of a tree; a frame's ground
+    Change,    // typed text, scroll bar
+    KeyDown,   // Key holds a key's code
+    KeyPress,  // Text holds the character
+    MouseUp,
+    Drop,  // Text holds the path of a file dropped on the window
+};
+
+struct ScreenEvent {
+    Control* Source = nullptr;  // null for the window itself
+    EventKind Kind = EventKind::Click;
+    int Key = 0;
+    std::string Text;
+};
+
+}  // namespace vkm

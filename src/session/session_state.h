@@ -1,0 +1,64 @@
+// The state of a download session.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace vkm {
+
+struct frmMain;
+
+// What is to be erased and programmed, made once per comDownload from the chip
+// that answered. Addresses are image addresses.
+struct Download_Plan_Record {
+    std::string Plan_Name;  // "AP_FILE" once made, empty before
+    std::int32_t Plan_AP_Low = 0;
+    std::int32_t Plan_AP_High = 0;  // AP_End of the chip
+    std::int32_t Plan_File_Low = 0;
+    std::int32_t Plan_File_High = 0;  // Image_High of the program image
+    std::int32_t Plan_Data_Low = 0;   // first address of the chip's data memory
+    std::int32_t Plan_Data_High = 0;  // last
+    std::int32_t Tail_Low = 0;        // the part of the program area above the image
+    std::int32_t Tail_High = 0;
+    bool Tail_Free = false;      // it is to be cleared as well
+    std::int32_t Spill_Low = 0;  // where the image reaches into the data memory
+    std::int32_t Spill_High = 0;
+    bool Spill = false;         // it does
+    std::int32_t Free_Low = 0;  // data memory that the image leaves free; kept, not read
+    std::int32_t Free_High = 0;
+};
+
+// How the last job ended, for the verdict beside the counter.
+enum class Job_Result { none, running, done, failed, stopped };
+
+struct SessionState {
+    bool Connected = false;         // a session with the boot firmware is open
+    bool Program_OK = false;        // the whole image went well
+    std::int16_t Chunk_Size = 128;  // bytes of data in one frame
+    std::int64_t Begin_Time = 0;    // wall clock seconds when programming began
+    std::string Erase_Time;         // mm:ss of the last erase, or empty
+    std::string Cut_Note;           // remark after a cut at the firmware limit
+    std::string Cut_Note_CN;
+    std::int16_t UI_State = 0;         // 0 idle, 1 busy, 2 idle locked, 3 busy locked
+    std::int16_t Firmware_Size = 0;    // bytes of the chip's boot firmware
+    bool Firmware_Size_Known = false;  // set by the handshake
+    Download_Plan_Record Download_Plan;
+    bool Project_Lock = false;  // a project was loaded: sessions end locked
+
+    // True while an operation that owns the port is on the stack, also while it
+    // unwinds after Stop; a click that would start another one does nothing.
+    bool Running = false;
+    bool Stopped_By_Operator = false;  // Stop was pressed in this job
+    Job_Result Result = Job_Result::none;
+    std::string Failed_Step;  // named beside a failed result, both languages
+
+    // Plugs of later steps; a plug that is null is passed over.
+    void (*Close_Assistant_Port)(frmMain&) = nullptr;
+    void (*Open_Assistant_Port)(frmMain&) = nullptr;
+    void (*Clear_Read_Lines)(frmMain&) = nullptr;     // lock labels LabLock
+    void (*Write_Options)(frmMain&) = nullptr;        // leaves its result in frame_ok
+    void (*Apply_Option_Enable)(frmMain&) = nullptr;  // option panel after a change of UI_State
+    void (*Lock_Options)(frmMain&) = nullptr;         // comLockOptions
+};
+
+}  // namespace vkm

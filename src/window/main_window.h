@@ -1,0 +1,29 @@
+// The one window as the logic knows it: start-up, closing, shrinking.
+//
+// Owns the order of start and end. Called by the edge, which draws the window
+// and hands in what the operator does. Start-up restores settings and builds
+// tables, and nothing else; closing during a session needs two passes, so that
+// running waits get time to end.
+#pragma once
+
+#include "frmMain.h"
+
+namespace vkm {
+
+// Start-up, before the window is shown.
+void Load(frmMain& frm);
+
+// The operator, or TimerUnload, wants to close. True when the window may close
+// now; false when the closing was put off to the second pass.
+bool QueryUnload(frmMain& frm);
+
+// The last act, after the window has been allowed to close.
+void Unload(frmMain& frm);
+
+// Toggles between the whole window and the step column alone.
+void comMastWindow(frmMain& frm);
+
+// The splitter was released with fraDebug this wide (twips).
+void ImgSplitter_Released(frmMain& frm, std::int32_t width);
+
+}  // namespace vkm
