@@ -1,27 +1,33 @@
 // Choosing a model: the tree of families and what a choice changes.
+//
+// The selected model lives in the tree's selection, in txtDevice and in MCU_Info.
+// The window's start and a loaded project take the same path as the operator.
 #pragma once
 
 #include <string>
 
+#include "catalogue/tab_strips.h"
 #include "frmMain.h"
 
 namespace vkm {
 
+// Fills TreeViewDevice and hides it. Once, before the settings are loaded.
 void Build_Device_Tree(frmMain& frm);
+
+// Shows the tree in place of txtDevice, and takes it away again.
 void Open_Device_Tree(frmMain& frm);
 void Close_Device_Tree(frmMain& frm);
 
-// The node chosen in TreeViewDevice was clicked. A model empties both images.
+// The node chosen in TreeViewDevice was clicked. A family does nothing; a model
+// empties both images, even when it was selected before. While a job runs or a
+// project locks the options no model is taken.
 void Device_Node_Click(frmMain& frm);
 
 // Makes the model named in txtDevice the selected one; its name, or empty when
 // there is no such model (the operator has been told, the record stays).
 std::string Apply_Model(frmMain& frm);
 
+// Enables or disables what belongs to the data memory.
 void Data_Memory_Controls(frmMain& frm, bool enabled);
-
-// The tab strips: a tab whose caption is "_no_" is absent and switches nothing.
-void TabStrip1_Click(frmMain& frm);
-void TabStrip2_Click(frmMain& frm);
 
 }  // namespace vkm

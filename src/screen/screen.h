@@ -41,6 +41,9 @@ struct Screen {
     // Message language: false shows the bilingual texts. Nothing sets it; the
     // English texts stay selectable by it.
     bool Show_English = false;
+    // Name of the control that the logic gives the keyboard to; the edge moves the
+    // focus at its next turn and empties this.
+    std::string_view Focus_Request;
 
 #define CONTROL(name, kind, count, start, state) ControlMember<count> name;
 #include "screen/controls.def"

@@ -1,0 +1,225 @@
+#include "catalogue/model_table.h"
+
+namespace vkm {
+namespace {
+
+// One row a line. All numbers are byte addresses: an End and Memory_Top are the
+// last of their area, Code_Top is one past it. S is Split_Flag, T is In_Tree.
+//
+// Values that break a pattern are those of the chips and stay: the ends of the
+// data memories of the small 54xx, and what is remarked beside its row.
+// clang-format off
+
+constexpr ModelRow MCU_AP_ISP_range_xy0[] = {
+  // MCU_  MCU_Name            AP_End  AP_End_ Data_   Data_   Code_    Memory_  S  T  Old_ID  SoftICE_ROM
+  // ID                                Alt     Start   End     Top      Top
+  {"FF",   "VKM47H516RK",      0xFFFF, 0x0000, 0xFFFF, 0xFFFF, 0x10000, 0x11FFF, 0, 1, "",     "VKM516_2003.ROM"},
+  {"FF",   "VKM47T516RK",      0xFFFF, 0x0000, 0xFFFF, 0xFFFF, 0x10000, 0x11FFF, 0, 1, "",     "VKM516_2003.ROM"},
+  {"FF",   "VKM47H58RK",       0x7FFF, 0x0000, 0x7FFF, 0x7FFF, 0x0E000, 0x0FFFF, 0, 1, "",     "VKM58_2003.ROM"},
+  {"FF",   "VKM47T58RK",       0x7FFF, 0x0000, 0x7FFF, 0x7FFF, 0x0E000, 0x0FFFF, 0, 1, "",     "VKM58_2003.ROM"},
+};
+
+constexpr ModelRow MCU_AP_ISP_range_xy1[] = {
+  // MCU_  MCU_Name            AP_End  AP_End_ Data_   Data_   Code_    Memory_  S  T  Old_ID  SoftICE_ROM
+  // ID                                Alt     Start   End     Top      Top
+  {"56",   "VKM47W516AD",      0xFBFF, 0x0000, 0xFBFF, 0xFBFF, 0x0E000, 0x0FFFF, 1, 1, "",     ""},
+  {"56",   "VKM47W516X2",      0xFBFF, 0x0000, 0xFBFF, 0xFBFF, 0x0E000, 0x0FFFF, 1, 1, "",     ""},
+  {"58",   "VKM47W58AD",       0x7FFF, 0x0000, 0x7FFF, 0x7FFF, 0x0E000, 0x0FFFF, 0, 1, "",     ""},
+  {"54",   "VKM47W54AD",       0x3FFF, 0x0000, 0x3FFF, 0x3FFF, 0x0E000, 0x0FFFF, 0, 1, "",     ""},
+  {"52",   "VKM47W52AD",       0x1FFF, 0x0000, 0x1FFF, 0x1FFF, 0x0E000, 0x0FFFF, 0, 1, "",     ""},
+};
+
+constexpr ModelRow MCU_AP_ISP_range_xy2[] = {
+  // MCU_  MCU_Name            AP_End  AP_End_ Data_   Data_   Code_    Memory_  S  T  Old_ID  SoftICE_ROM
+  // ID                                Alt     Start   End     Top      Top
+  {"F001", "VKM47H51RB",       0x0FFF, 0x0FFF, 0x1000, 0x37FF, 0x02C00, 0x03BFF, 0, 1, "",     ""},
+  {"F002", "VKM47H52RB",       0x1FFF, 0x1FFF, 0x2000, 0x37FF, 0x02C00, 0x03BFF, 0, 1, "",     ""},
+  {"F004", "VKM47H53RB",       0x37FF, 0x33FF, 0x3800, 0x37FF, 0x02C00, 0x03BFF, 1, 1, "",     ""},
+  {"F104", "VKM47H54RK+",      0x3FFF, 0x3FFF, 0x4000, 0xF7FF, 0x0EC00, 0x0FBFF, 0, 1, "",     ""},
+  {"F105", "VKM47H55RK+",      0x4FFF, 0x7FFF, 0x5000, 0xF3FF, 0x0EC00, 0x0FBFF, 0, 1, "",     ""},
+  {"F108", "VKM47H58RK+",      0x7FFF, 0x7FFF, 0x8000, 0xF7FF, 0x0EC00, 0x0FBFF, 0, 1, "",     ""},
+  {"F10A", "VKM47H61RK+",      0xF3FF, 0xF3FF, 0xF400, 0xF3FF, 0x0EC00, 0x0FBFF, 1, 1, "",     ""},
+  {"F110", "VKM47H516RK+",     0xF7FF, 0xF3FF, 0xF800, 0xF7FF, 0x0EC00, 0x0FBFF, 1, 1, "",     ""},
+  {"F001", "VKM47W51RB",       0x0FFF, 0x0FFF, 0x1000, 0x37FF, 0x02C00, 0x03BFF, 0, 1, "",     ""},
+  {"F002", "VKM47W52RB",       0x1FFF, 0x1FFF, 0x2000, 0x37FF, 0x02C00, 0x03BFF, 0, 1, "",     ""},
+  {"F004", "VKM47W53RB",       0x37FF, 0x33FF, 0x3800, 0x37FF, 0x02C00, 0x03BFF, 1, 1, "",     ""},
+  {"F104", "VKM47W54RK+",      0x3FFF, 0x3FFF, 0x4000, 0xF7FF, 0x0EC00, 0x0FBFF, 0, 1, "",     ""},
+  {"F105", "VKM47W55RK+",      0x4FFF, 0x7FFF, 0x5000, 0xF3FF, 0x0EC00, 0x0FBFF, 0, 1, "",     ""},
+  {"F108", "VKM47W58RK+",      0x7FFF, 0x7FFF, 0x8000, 0xF7FF, 0x0EC00, 0x0FBFF, 0, 1, "",     ""},
+  {"F10A", "VKM47W61RK+",      0xF3FF, 0xF3FF, 0xF400, 0xF3FF, 0x0EC00, 0x0FBFF, 1, 1, "",     ""},
+  {"F110", "VKM47W516RK+",     0xF7FF, 0xF3FF, 0xF800, 0xF7FF, 0x0EC00, 0x0FBFF, 1, 1, "",     ""},
+};
+
+constexpr ModelRow MCU_AP_ISP_range_xy3[] = {
+  // MCU_  MCU_Name            AP_End  AP_End_ Data_   Data_   Code_    Memory_  S  T  Old_ID  SoftICE_ROM
+  // ID                                Alt     Start   End     Top      Top
+  {"F200", "VKM26H0552",       0x01FF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F201", "VKM26H1052",       0x03FF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F202", "VKM26H2052",       0x07FF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F203", "VKM26H3052",       0x0BFF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F204", "VKM26H4052",       0x0FFF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F205", "VKM26H5052",       0x13FF, 0x0000, 0x1400, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F210", "VKM26H0552AD",     0x01FF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F211", "VKM26H1052AD",     0x03FF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F212", "VKM26H2052AD",     0x07FF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F213", "VKM26H3052AD",     0x0BFF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F214", "VKM26H4052AD",     0x0FFF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F215", "VKM26H5052AD",     0x13FF, 0x0000, 0x1400, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F220", "VKM26W0552",       0x01FF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F221", "VKM26W1052",       0x03FF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F222", "VKM26W2052",       0x07FF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F223", "VKM26W3052",       0x0BFF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F224", "VKM26W4052",       0x0FFF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F225", "VKM26W5052",       0x13FF, 0x0000, 0x1400, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F230", "VKM26W0552AD",     0x01FF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F231", "VKM26W1052AD",     0x03FF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F232", "VKM26W2052AD",     0x07FF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F233", "VKM26W3052AD",     0x0BFF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F234", "VKM26W4052AD",     0x0FFF, 0x0000, 0x1000, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+  {"F235", "VKM26W5052AD",     0x13FF, 0x0000, 0x1400, 0x13FF, 0x01400, 0x01FFF, 0, 1, "",     ""},
+};
+
+constexpr ModelRow MCU_AP_ISP_range_xy4[] = {
+  // MCU_  MCU_Name            AP_End  AP_End_ Data_   Data_   Code_    Memory_  S  T  Old_ID  SoftICE_ROM
+  // ID                                Alt     Start   End     Top      Top
+  {"F301", "VKM26H5401",       0x03FF, 0x0000, 0x0400, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F302", "VKM26H5402",       0x07FF, 0x0000, 0x0800, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F304", "VKM26H5404",       0x0FFF, 0x0000, 0x1000, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F306", "VKM26H5406",       0x17FF, 0x0000, 0x1800, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F308", "VKM26H5408",       0x1FFF, 0x0000, 0x2000, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F30A", "VKM26H5410",       0x27FF, 0x0000, 0x2800, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F30C", "VKM26H5412",       0x2FFF, 0x0000, 0x3000, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F311", "VKM26H5401AD",     0x03FF, 0x0000, 0x0400, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F312", "VKM26H5402AD",     0x07FF, 0x0000, 0x0800, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F314", "VKM26H5404AD",     0x0FFF, 0x0000, 0x1000, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F316", "VKM26H5406AD",     0x17FF, 0x0000, 0x1800, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F318", "VKM26H5408AD",     0x1FFF, 0x0000, 0x2000, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F31A", "VKM26H5410AD",     0x27FF, 0x0000, 0x2800, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F31C", "VKM26H5412AD",     0x2FFF, 0x0000, 0x3000, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F321", "VKM26W5401",       0x03FF, 0x0000, 0x0400, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F322", "VKM26W5402",       0x07FF, 0x0000, 0x0800, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F324", "VKM26W5404",       0x0FFF, 0x0000, 0x1000, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F326", "VKM26W5406",       0x17FF, 0x0000, 0x1800, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F328", "VKM26W5408",       0x1FFF, 0x0000, 0x2000, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F32A", "VKM26W5410",       0x27FF, 0x0000, 0x2800, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F32C", "VKM26W5412",       0x2FFF, 0x0000, 0x3000, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F331", "VKM26W5401AD",     0x03FF, 0x0000, 0x0400, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F332", "VKM26W5402AD",     0x07FF, 0x0000, 0x0800, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F334", "VKM26W5404AD",     0x0FFF, 0x0000, 0x1000, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F326", "VKM26W5406AD",     0x17FF, 0x0000, 0x1800, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},  // the code of row 17
+  {"F338", "VKM26W5408AD",     0x1FFF, 0x0000, 0x2000, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F33A", "VKM26W5410AD",     0x27FF, 0x0000, 0x2800, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+  {"F33C", "VKM26W5412AD",     0x2FFF, 0x0000, 0x3000, 0x2FFF, 0x03000, 0x03DFF, 0, 1, "",     ""},
+};
+
+constexpr ModelRow MCU_AP_ISP_range_xy5[] = {
+  // MCU_  MCU_Name            AP_End  AP_End_ Data_   Data_   Code_    Memory_  S  T  Old_ID  SoftICE_ROM
+  // ID                                Alt     Start   End     Top      Top
+  {"E001", "VKM26H5401",       0x03FF, 0x0000, 0x0400, 0x59FF, 0x07000, 0x07DFF, 0, 1, "F301", ""},
+  {"E002", "VKM26H5402",       0x07FF, 0x0000, 0x0800, 0x59FF, 0x07000, 0x07DFF, 0, 1, "F302", ""},
+  {"E004", "VKM26H5404",       0x0FFF, 0x0000, 0x1000, 0x59FF, 0x07000, 0x07DFF, 0, 1, "F304", ""},
+  {"E006", "VKM26H5406",       0x17FF, 0x0000, 0x1800, 0x49FF, 0x07000, 0x07DFF, 0, 1, "F306", ""},
+  {"E008", "VKM26H5408",       0x1FFF, 0x0000, 0x2000, 0x49FF, 0x07000, 0x07DFF, 0, 1, "F308", ""},
+  {"E00A", "VKM26H5410",       0x27FF, 0x0000, 0x2800, 0x39FF, 0x07000, 0x07DFF, 0, 1, "F30A", ""},
+  {"E00C", "VKM26H5412",       0x2FFF, 0x0000, 0x3000, 0x5DFF, 0x07000, 0x07DFF, 0, 1, "F30C", ""},
+  {"E061", "VKM26H5401AD",     0x03FF, 0x0000, 0x0400, 0x59FF, 0x07000, 0x07DFF, 0, 1, "F311", ""},
+  {"E062", "VKM26H5402AD",     0x07FF, 0x0000, 0x0800, 0x59FF, 0x07000, 0x07DFF, 0, 1, "F312", ""},
+  {"E064", "VKM26H5404AD",     0x0FFF, 0x0000, 0x1000, 0x59FF, 0x07000, 0x07DFF, 0, 1, "F314", ""},
+  {"E066", "VKM26H5406AD",     0x17FF, 0x0000, 0x1800, 0x49FF, 0x07000, 0x07DFF, 0, 1, "F316", ""},
+  {"E068", "VKM26H5408AD",     0x1FFF, 0x0000, 0x2000, 0x49FF, 0x07000, 0x07DFF, 0, 1, "F318", ""},
+  {"E06A", "VKM26H5410AD",     0x27FF, 0x0000, 0x2800, 0x39FF, 0x07000, 0x07DFF, 0, 1, "F31A", ""},
+  {"E06C", "VKM26H5412AD",     0x2FFF, 0x0000, 0x3000, 0x5DFF, 0x07000, 0x07DFF, 0, 1, "F31C", ""},
+  {"E081", "VKM26W5401",       0x03FF, 0x0000, 0x0400, 0x59FF, 0x07000, 0x07DFF, 0, 1, "F321", ""},
+  {"E082", "VKM26W5402",       0x07FF, 0x0000, 0x0800, 0x59FF, 0x07000, 0x07DFF, 0, 1, "F322", ""},
+  {"E084", "VKM26W5404",       0x0FFF, 0x0000, 0x1000, 0x59FF, 0x07000, 0x07DFF, 0, 1, "F324", ""},
+  {"E086", "VKM26W5406",       0x17FF, 0x0000, 0x1800, 0x49FF, 0x07000, 0x07DFF, 0, 1, "F326", ""},
+  {"E088", "VKM26W5408",       0x1FFF, 0x0000, 0x2000, 0x49FF, 0x07000, 0x07DFF, 0, 1, "F328", ""},
+  {"E08A", "VKM26W5410",       0x27FF, 0x0000, 0x2800, 0x39FF, 0x07000, 0x07DFF, 0, 1, "F32A", ""},
+  {"E08C", "VKM26W5412",       0x2FFF, 0x0000, 0x3000, 0x5DFF, 0x07000, 0x07DFF, 0, 1, "F32C", ""},
+  {"E0E1", "VKM26W5401AD",     0x03FF, 0x0000, 0x0400, 0x59FF, 0x07000, 0x07DFF, 0, 1, "F331", ""},
+  {"E0E2", "VKM26W5402AD",     0x07FF, 0x0000, 0x0800, 0x59FF, 0x07000, 0x07DFF, 0, 1, "F332", ""},
+  {"E0E4", "VKM26W5404AD",     0x0FFF, 0x0000, 0x1000, 0x59FF, 0x07000, 0x07DFF, 0, 1, "F334", ""},
+  {"E0E6", "VKM26W5406AD",     0x17FF, 0x0000, 0x1800, 0x49FF, 0x07000, 0x07DFF, 0, 1, "F336", ""},  // borne by no row of group 4
+  {"E0E8", "VKM26W5408AD",     0x1FFF, 0x0000, 0x2000, 0x49FF, 0x07000, 0x07DFF, 0, 1, "F338", ""},
+  {"E0EA", "VKM26W5410AD",     0x27FF, 0x0000, 0x2800, 0x39FF, 0x07000, 0x07DFF, 0, 1, "F33A", ""},
+  {"E0EC", "VKM26W5412AD",     0x2FFF, 0x0000, 0x3000, 0x5DFF, 0x07000, 0x07DFF, 0, 1, "F33C", ""},
+  {"E010", "VKM26H5416",       0x3FFF, 0x0000, 0x4000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},
+  {"E014", "VKM26H5420",       0x4FFF, 0x0000, 0x5000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},
+  {"E018", "VKM26H5424",       0x5FFE, 0x0000, 0x6000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},  // ends a byte early
+  {"E01C", "VKM26H5428",       0x6FFF, 0x0000, 0x7000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},
+  {"E070", "VKM26H5416AD",     0x3FFF, 0x0000, 0x4000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},
+  {"E074", "VKM26H5420AD",     0x4FFF, 0x0000, 0x5000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},
+  {"E078", "VKM26H5424AD",     0x5FFE, 0x0000, 0x6000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},  // ends a byte early
+  {"E07C", "VKM26H5428AD",     0x6FFF, 0x0000, 0x7000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},
+  {"E090", "VKM26W5416",       0x3FFF, 0x0000, 0x4000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},
+  {"E094", "VKM26W5420",       0x4FFF, 0x0000, 0x5000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},
+  {"E098", "VKM26W5424",       0x5FFE, 0x0000, 0x6000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},  // ends a byte early
+  {"E09C", "VKM26W5428",       0x6FFF, 0x0000, 0x7000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},
+  {"E0F0", "VKM26W5416AD",     0x3FFF, 0x0000, 0x4000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},
+  {"E0F4", "VKM26W5420AD",     0x4FFF, 0x0000, 0x5000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},
+  {"E0F8", "VKM26W5424AD",     0x5FFE, 0x0000, 0x6000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},  // ends a byte early
+  {"E0FC", "VKM26W5428AD",     0x6FFF, 0x0000, 0x7000, 0x6FFF, 0x07000, 0x07DFF, 0, 0, "",     ""},
+  {"E01C", "26H/W54xx Series", 0x6FFF, 0x0000, 0x7000, 0x6FFF, 0x07000, 0x07DFF, 0, 1, "",     ""},  // stands for rows 28 to 43
+};
+
+constexpr ModelRow MCU_AP_ISP_range_xy6[] = {
+  // MCU_  MCU_Name            AP_End  AP_End_ Data_   Data_   Code_    Memory_  S  T  Old_ID  SoftICE_ROM
+  // ID                                Alt     Start   End     Top      Top
+  {"F402", "VKM27J008",        0x1FFF, 0x0000, 0x2000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F404", "VKM27J016",        0x3FFF, 0x0000, 0x4000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F408", "VKM27J032",        0x7FFF, 0x0000, 0x8000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F40A", "VKM27J040",        0x9FFF, 0x0000, 0xA000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F40C", "VKM27J048",        0xBFFF, 0x0000, 0xC000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F40D", "VKM27J052",        0xCFFF, 0x0000, 0xD000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F40E", "VKM27J056",        0xDFFF, 0x0000, 0xE000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F40F", "VKM27J060",        0xEFFF, 0x0000, 0xF000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F412", "VKM27J008PCA",     0x1FFF, 0x0000, 0x2000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F414", "VKM27J016PCA",     0x3FFF, 0x0000, 0x4000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F418", "VKM27J032PCA",     0x7FFF, 0x0000, 0x8000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F41A", "VKM27J040PCA",     0x9FFF, 0x0000, 0xA000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F41C", "VKM27J048PCA",     0xBFFF, 0x0000, 0xC000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F41D", "VKM27J052PCA",     0xCFFF, 0x0000, 0xD000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F41E", "VKM27J056PCA",     0xDFFF, 0x0000, 0xE000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F41F", "VKM27J060PCA",     0xEFFF, 0x0000, 0xF000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F422", "VKM27J008ADC",     0x1FFF, 0x0000, 0x2000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F424", "VKM27J016ADC",     0x3FFF, 0x0000, 0x4000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F428", "VKM27J032ADC",     0x7FFF, 0x0000, 0x8000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F42A", "VKM27J040ADC",     0x9FFF, 0x0000, 0xA000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F42C", "VKM27J048ADC",     0xBFFF, 0x0000, 0xC000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F42D", "VKM27J052ADC",     0xCFFF, 0x0000, 0xD000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F42E", "VKM27J056ADC",     0xDFFF, 0x0000, 0xE000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F42F", "VKM27J060ADC",     0xEFFF, 0x0000, 0xF000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F432", "VKM27J008U2",      0x1FFF, 0x0000, 0x2000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F434", "VKM27J016U2",      0x3FFF, 0x0000, 0x4000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F438", "VKM27J032U2",      0x7FFF, 0x0000, 0x8000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F43A", "VKM27J040U2",      0x9FFF, 0x0000, 0xA000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F43C", "VKM27J048U2",      0xBFFF, 0x0000, 0xC000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F43D", "VKM27J052U2",      0xCFFF, 0x0000, 0xD000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F43E", "VKM27J056U2",      0xDFFF, 0x0000, 0xE000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+  {"F43F", "VKM27J060U2",      0xEFFF, 0x0000, 0xF000, 0xEFFF, 0x0F000, 0x0FFFF, 0, 1, "",     ""},
+};
+
+// clang-format on
+
+}  // namespace
+
+constinit const std::array<ModelGroup, group_count> MCU_AP_ISP_range = {{
+    {0, MCU_AP_ISP_range_xy0},
+    {1, MCU_AP_ISP_range_xy1},
+    {2, MCU_AP_ISP_range_xy2},
+    {3, MCU_AP_ISP_range_xy3},
+    {4, MCU_AP_ISP_range_xy4},
+    {4, MCU_AP_ISP_range_xy5},
+    {6, MCU_AP_ISP_range_xy6},
+    {},
+}};
+
+const ModelRow& catalogue_row(int group, int row) {
+    static constexpr ModelRow empty_row;
+    if (group < 0 || group >= group_count || row < 0) return empty_row;
+    const auto rows = MCU_AP_ISP_range[static_cast<std::size_t>(group)].rows;
+    const auto place = static_cast<std::size_t>(row);
+    return place < rows.size() ? rows[place] : empty_row;
+}
+
+}  // namespace vkm
