@@ -1,0 +1,38 @@
+#include "support/memory_settings.h"
+
+namespace vkm::test {
+
+std::string MemorySettings::get(std::string_view section, std::string_view key,
+                                std::string_view otherwise) const {
+    const auto found = values.find({std::string(section), std::string(key)});
+    return found == values.end() ? std::string(otherwise) : found->second;
+}
+
+void MemorySettings::save(std::string_view section, std::string_view key, std::string_view value) {
+    const auto [place, is_new] = values.try_emplace({std::string(section), std::string(key)});
+    if (!is_new && place->second == value) return;
+    place->second = value;
+    ++changes;
+}
+
+void MemorySettings::flush() {
+    ++flushes;
+    if (values == on_disk) return;
+    on_disk = values;
+    ++disk_writes;
+}
+
+void MemorySettings::preset(const std::string& section, const std::string& key,
+                            const std::string& value) {
+    values[{section, key}] = value;
+    on_disk[{section, key}] = value;
+}
+
+std::string MemorySettings::dump() const {
+    std::string text;
+    for (const auto& [place, value] : values)
+        text += "[" + place.first + "] " + place.second + "=" + value + "\n";
+    return text;
+}
+
+}  // namespace vkm::test

@@ -1,0 +1,112 @@
+#include "support/virtual_port.h"
+
+#include <charconv>
+#include <cstdlib>
+
+namespace vkm::test {
+namespace {
+
+std::optional<int> whole_number(std::string_view text) {
+    int value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) return {};
+    return value;
+}
+
+}  // namespace
+
+std::optional<PortSettings> parse_settings(std::string_view text) {
+    std::vector<std::string_view> fields;
+    for (;;) {
+        const auto comma = text.find(',');
+        fields.push_back(text.substr(0, comma));
+        if (comma == std::string_view::npos) break;
+        text.remove_prefix(comma + 1);
+    }
+    if (fields.size() != 4) return {};
+    const auto baud = whole_number(fields[0]);
+    const auto data_bits = whole_number(fields[2]);
+    if (!baud || *baud <= 0) return {};
+    if (fields[1] != "n" && fields[1] != "e" && fields[1] != "o") return {};
+    if (!data_bits || *data_bits < 5 || *data_bits > 8) return {};
+    PortSettings settings{*baud, fields[1][0], *data_bits, 1};
+    if (fields[3] == "1.5")
+        settings.stop_bits = 1.5;
+    else if (fields[3] == "2")
+        settings.stop_bits = 2;
+    else if (fields[3] != "1")
+        return {};
+    return settings;
+}
+
+bool VirtualPort::set_settings(std::string_view settings) {
+    const auto wanted = parse_settings(settings);
+    if (!wanted) return false;
+    if (open_) {
+        if (refused_baud.contains(wanted->baud)) return false;
+        if (settings != settings_) {
+            wait_for_output();
+            listen(std::string(settings));
+        }
+    }
+    settings_ = settings;
+    return true;
+}
+
+int VirtualPort::open() {
+    ++opens;
+    const auto nth = nth_open_error.find(opens);
+    if (nth != nth_open_error.end()) return nth->second;
+    if (open_) return error_busy;
+    if (!present.contains(number_)) return error_missing;
+    const auto error = open_error.find(number_);
+    if (error != open_error.end()) return error->second;
+    if (refused_baud.contains(parse_settings(settings_)->baud)) return error_refused;
+    open_ = true;
+    open_number_ = number_;
+    ++openings;
+    listen(settings_);
+    return 0;
+}
+
+void VirtualPort::close() {
+    if (!open_) return;
+    wait_for_output();
+    line_.host_closes(loop_.now());
+    open_ = false;
+    ++closings;
+}
+
+void VirtualPort::unplug() {
+    present.erase(open_ ? open_number_ : number_);
+    if (!open_) return;
+    line_.cut(loop_.now());
+    open_ = false;
+}
+
+std::vector<std::uint8_t> VirtualPort::read() {
+    std::vector<std::uint8_t> bytes;
+    if (!open_) return bytes;
+    const std::size_t count = read_length_ == 1 && !line_.input.empty() ? 1 : line_.input.size();
+    const auto end = line_.input.begin() + static_cast<std::ptrdiff_t>(count);
+    bytes.assign(line_.input.begin(), end);
+    line_.input.erase(line_.input.begin(), end);
+    return bytes;
+}
+
+void VirtualPort::write(std::span<const std::uint8_t> bytes) {
+    if (!open_ || bytes.empty()) return;
+    written.push_back({loop_.now(), {bytes.begin(), bytes.end()}, settings_, line_.unsent()});
+    line_.host_writes(loop_.now(), bytes);
+}
+
+void VirtualPort::wait_for_output() {
+    if (waits_for_output) loop_.let_line_run(line_.idle_at());
+}
+
+void VirtualPort::listen(const std::string& settings) {
+    settings_in_force.push_back(settings);
+    line_.host_listens(loop_.now(), parse_settings(settings)->baud);
+}
+
+}  // namespace vkm::test
