@@ -23,7 +23,10 @@ void comDownload(frmMain& frm, int Index);
 // Command2: one download over the second way of connecting (cheTL).
 void Command2(frmMain& frm);
 
-// Stop. The driver itself calls it as its last act.
+// Stop: every wait for an answer ends, the port is closed, the controls come back.
+// The driver itself calls it as its last act; before that nobody but the
+// operator or the closing window does, so that a job that finds stop_requested
+// set was stopped.
 void comStop_Download(frmMain& frm);
 
 // The connect step; the result is in Connected.

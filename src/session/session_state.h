@@ -1,6 +1,7 @@
 // The state of a download session.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -28,7 +29,8 @@ struct Download_Plan_Record {
     std::int32_t Free_High = 0;
 };
 
-// How the last job ended, for the verdict beside the counter.
+// How the last job ended, for the verdict beside the counter. The edge draws the
+// numbers' colours.
 enum class Job_Result { none, running, done, failed, stopped };
 
 struct SessionState {
@@ -44,13 +46,15 @@ struct SessionState {
     bool Firmware_Size_Known = false;  // set by the handshake
     Download_Plan_Record Download_Plan;
     bool Project_Lock = false;  // a project was loaded: sessions end locked
+    // A chip that may not write its block 0 from block 1 has "1" at the head of
+    // entry 2. Nothing fills this row.
+    std::array<std::string, 3> Block0_Rule;
 
     // True while an operation that owns the port is on the stack, also while it
     // unwinds after Stop; a click that would start another one does nothing.
     bool Running = false;
-    bool Stopped_By_Operator = false;  // Stop was pressed in this job
     Job_Result Result = Job_Result::none;
-    std::string Failed_Step;  // named beside a failed result, both languages
+    std::string Failed_Step;  // named beside a failed result, as the operator sees it
 
     // Plugs of later steps; a plug that is null is passed over.
     void (*Close_Assistant_Port)(frmMain&) = nullptr;

@@ -1,0 +1,240 @@
+#include "session/download_session.h"
+
+#include "image/image_files.h"
+#include "link/isp_link.h"
+#include "session/counter.h"
+#include "session/download_plan.h"
+#include "session/end_session.h"
+#include "session/erase.h"
+#include "session/programming.h"
+#include "session/session_lease.h"
+#include "session/session_report.h"
+#include "session/session_texts.h"
+#include "session/verdict.h"
+#include "text/numbers.h"
+#include "waiting/waiting.h"
+
+namespace vkm {
+namespace {
+
+constexpr std::int16_t frame_payload = 128;
+constexpr double last_version_without_erase = 0.2;  // that firmware knows no erase command
+constexpr std::int32_t settle_ms = 100;
+constexpr std::int32_t settle_at_base_baud_ms = 1000;  // the last block needs longer there
+constexpr std::int32_t countdown_tick_ms = 1000;
+
+void run_plug(frmMain& frm, void (*plug)(frmMain&)) {
+    if (plug) plug(frm);
+}
+
+// The terminal and the session never use the port together.
+void close_assistant_port(frmMain& frm) {
+    run_plug(frm, frm.session.Close_Assistant_Port);
+    close_port(frm);
+}
+
+void reload_file(frmMain& frm) {
+    if (frm.screen.cekReloadFile.Value == 0) return;
+    Check_Last_File(frm);
+    Load_File(frm, frm.images.Current_File, frm.images.AP_Buffer);
+}
+
+// A number that the operator touched since the last download is checked and patched now.
+void patch_touched_numbers(frmMain& frm) {
+    IncreaseState& increase = frm.increase;
+    if (!increase.Auto_Increase.Active) run_plug(frm, increase.cheAuto_Increase_Click);
+    if (!increase.Data_Auto_Increase.Active) run_plug(frm, increase.cheData_Auto_Increase_Click);
+}
+
+void begin_session(frmMain& frm) {
+    if (frm.session.UI_State == 0) Set_UI_State(frm, 1);
+    if (frm.session.UI_State == 2) Set_UI_State(frm, 3);
+    frm.session.Chunk_Size = frame_payload;
+    frm.link.stop_requested = false;
+    frm.session.Download_Plan = {};
+}
+
+bool connect(frmMain& frm) {
+    frm.link.hunt_header = false;
+    frm.screen.textMsg.Text.clear();
+    frm.session.Connected = false;
+    Connect_MCU(frm, false);
+    return frm.session.Connected;
+}
+
+// Only a warning: the flow goes on.
+void warn_of_locked_block0(frmMain& frm) {
+    if (!frm.session.Block0_Rule[2].starts_with('1')) return;
+    if (frm.catalogue.Block_Size != frm.session.Chunk_Size) return;
+    beep_times(frm, 3);
+    report(frm, session_text::block0_locked);
+    frm.session.Connected = false;
+}
+
+// The plan of the first chip stays for all later chips of a series.
+void make_plan(frmMain& frm) {
+    if (!frm.session.Download_Plan.Plan_Name.empty()) return;
+    const Planned made =
+        Make_Download_Plan({frm.catalogue.Chip_Info, frm.link.Chip_Letter,
+                            leading_number(frm.link.Chip_Version), frm.images.AP_Buffer.Image_High,
+                            option_on(frm.options.Panel_State, "Clear_Unused_AP_YES")});
+    frm.session.Download_Plan = made.plan;
+    if (!made.Over_Limit) return;
+    beep_times(frm, 2);
+    append_to_last_line(
+        frm.screen,
+        "\r\n\r\n" + std::string(chosen_text(frm.screen, session_text::over_limit)) + "\r\n");
+    scroll_log_to_end(frm.screen);
+}
+
+void report_erase_failure(frmMain& frm) {
+    beep_times(frm, 3);
+    append_message(frm.screen, with_time_of_day(frm, session_text::erase_failed));
+    report(frm, session_text::erase_advice);
+}
+
+bool erase(frmMain& frm) {
+    if (leading_number(frm.link.Chip_Version) <= last_version_without_erase) return true;
+    Erase_Application(frm);
+    if (!frm.link.stop_requested && frm.link.frame_ok) return true;
+    job_failed(frm, session_text::step_erase);
+    if (frm.link.stop_requested) {
+        report_stop(frm, 1);
+        comStop_Download(frm);
+    } else {
+        report_erase_failure(frm);
+    }
+    return false;
+}
+
+bool program(frmMain& frm) {
+    frm.session.Program_OK = false;
+    Program_Image(frm);
+    if (!frm.session.Program_OK) return false;
+    wait_ms(frm, held_at_base_baud(frm) ? settle_at_base_baud_ms : settle_ms);
+    Show_Progress(frm, Progress::hide);
+    return true;
+}
+
+bool write_options(frmMain& frm) {
+    if (frm.catalogue.MCU_Info.MCU_Family == 1) return true;
+    frm.link.Status_Read_OK = false;
+    if (!frm.session.Write_Options) return true;
+    frm.session.Write_Options(frm);
+    if (frm.link.frame_ok) return true;
+    job_failed(frm, session_text::step_write_options);
+    return false;
+}
+
+void report_success(frmMain& frm) {
+    using namespace session_text;
+    Screen& screen = frm.screen;
+    const std::string length = elapsed_time(frm, frm.session.Begin_Time);
+    const auto chosen = [&](const MessageText& text) {
+        return std::string(chosen_text(screen, text));
+    };
+    if (screen.Show_English) {
+        append_message(screen, chosen(program_ok) + frm.session.Cut_Note);
+        append_message(screen, chosen(verify_ok) + length + " )");
+    } else {
+        append_message(screen, chosen(program_ok) + frm.session.Cut_Note_CN);
+        append_message(screen, verify_ok);
+        if (!frm.session.Erase_Time.empty())
+            append_message(screen, std::string(erase_times) + frm.session.Erase_Time);
+        append_message(screen, std::string(program_times) + length);
+    }
+    append_message(screen, encrypted);
+}
+
+void finish_chip(frmMain& frm) {
+    End_Session(frm);
+    report_success(frm);
+    count_good_chip(frm);
+    job_done(frm);
+    if (frm.screen.optBeepYes.Value != 0) beep_times(frm, 1);
+    scroll_log_to_end(frm.screen);
+    run_plug(frm, frm.increase.Advance_Numbers);
+}
+
+// One round of the session. False when it ended without a good chip; the
+// operator has been told then.
+bool program_one_chip(frmMain& frm) {
+    job_runs(frm);
+    if (!connect(frm)) return false;
+    warn_of_locked_block0(frm);
+    make_plan(frm);
+    if (!erase(frm)) return false;
+    if (!program(frm)) return false;
+    if (!write_options(frm)) return false;
+    finish_chip(frm);
+    return true;
+}
+
+void show_countdown(frmMain& frm, const std::string& log, std::int32_t seconds) {
+    using namespace session_text;
+    const std::string counter = std::to_string(seconds);
+    std::string text = log + "\r\n\r\n" + std::string(chosen_text(frm.screen, succeeded));
+    text += "\r\n\r\n" + std::string(next_chip) + counter;
+    if (!frm.screen.Show_English) text += "\r\n\r\n" + std::string(next_chip_CN) + counter;
+    frm.screen.textMsg.Text = std::move(text);
+    scroll_log_to_end(frm.screen);
+}
+
+// The pause between two chips of a series. Blind to Stop: the next connect sees it.
+void pause_between_chips(frmMain& frm) {
+    frm.platform.port.clear_input();
+    frm.platform.port.clear_output();
+    close_port(frm);
+    const std::string log = frm.screen.textMsg.Text;
+    const std::int32_t seconds = leading_integer(text_of(frm.screen.comDalay_ReDownLoad));
+    for (std::int32_t left = seconds; left >= 1; --left) {
+        show_countdown(frm, log, left);
+        restart_timer(frm, frm.timers.Timer10, countdown_tick_ms);
+        wait_until(frm, [&] { return !frm.timers.Timer10.Enabled; });
+    }
+    frm.screen.textMsg.Text.clear();
+}
+
+}  // namespace
+
+void comDownload(frmMain& frm, int Index) {
+    const Session_Lease lease(frm);
+    if (!lease.granted()) return;
+    close_assistant_port(frm);
+    if (!frm.images.File_Loaded) {
+        frm.platform.dialogs.show_text(chosen_text(frm.screen, session_text::no_file));
+        return;
+    }
+    reload_file(frm);
+    patch_touched_numbers(frm);
+    begin_session(frm);
+    bool good = program_one_chip(frm);
+    while (good && Index == 1) {
+        pause_between_chips(frm);
+        good = program_one_chip(frm);
+    }
+    comStop_Download(frm);
+    if (good && frm.screen.che_AutoOpenPort.Value != 0)
+        run_plug(frm, frm.session.Open_Assistant_Port);
+}
+
+void Command2(frmMain& frm) {
+    if (frm.session.Running) return;
+    frm.screen.cheTL.Value = 1;
+    comDownload(frm, 0);
+    frm.screen.cheTL.Value = 0;
+}
+
+void comStop_Download(frmMain& frm) {
+    stop_timer(frm.timers.Timer9);
+    frm.link.stop_requested = true;
+    frm.session.Connected = false;
+    frm.platform.port.clear_input();
+    frm.platform.port.clear_output();
+    close_port(frm);
+    if (frm.session.Project_Lock) run_plug(frm, frm.session.Lock_Options);
+    if (frm.session.UI_State == 1) Set_UI_State(frm, 0);
+    if (frm.session.UI_State == 3) Set_UI_State(frm, 2);
+}
+
+}  // namespace vkm

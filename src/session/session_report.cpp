@@ -1,0 +1,28 @@
+#include "session/session_report.h"
+
+#include "session/download_session.h"
+#include "session/session_texts.h"
+#include "text/numbers.h"
+#include "waiting/waiting.h"
+
+namespace vkm {
+
+void report(frmMain& frm, const MessageText& message) {
+    append_message(frm.screen, message);
+    scroll_log_to_end(frm.screen);
+}
+
+std::string with_time_of_day(const frmMain& frm, const MessageText& text) {
+    return std::string(chosen_text(frm.screen, text)) + frm.platform.wall_clock.time_of_day() + ")";
+}
+
+void report_stop(frmMain& frm, int beeps) {
+    beep_times(frm, beeps);
+    report(frm, session_text::stopped);
+}
+
+std::string elapsed_time(const frmMain& frm, std::int64_t begin) {
+    return minutes_seconds(frm.platform.wall_clock.seconds() - begin);
+}
+
+}  // namespace vkm

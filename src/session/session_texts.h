@@ -1,0 +1,77 @@
+// What a session tells the operator, both languages side by side. Texts that end
+// in "(End: " are followed by the time of day and ")".
+#pragma once
+
+#include "screen/message_text.h"
+
+namespace vkm::session_text {
+
+// ---- the driver ----
+inline constexpr MessageText no_file = {"    Please open file.   ",
+                                        "    Please open file./请打开文件。    "};
+inline constexpr MessageText over_limit = {"程序文件超出此 MCU 固件下载范围, 超出部分不下载。 ",
+                                           "程序文件超出此 MCU 固件下载范围, 超出部分不下载。 "};
+inline constexpr MessageText block0_locked = {
+    "Because Block1 to write Block0 is disable, so program can not continue.",
+    "Because Block1 to write Block0 is disable, so program can not continue.\r\n"
+    "Chinese:因为由 block1 对 block0 编程已被禁止, 所以不能继续下载程序。"};
+inline constexpr MessageText stopped = {"Operation is stop. ", "Operation is stop. / 操作被停止."};
+inline constexpr MessageText program_ok = {"Program OK", "Program OK / 下载 OK"};
+inline constexpr MessageText verify_ok = {"Verify  OK ( Total: ", "Verify  OK / 校验 OK "};
+inline constexpr std::string_view erase_times = "erase times/擦除时间 :  ";
+inline constexpr std::string_view program_times = "program times/下载时间: ";
+inline constexpr MessageText encrypted = {"Have already encrypt.",
+                                          "Have already encrypt. / 已加密"};
+inline constexpr MessageText succeeded = {"Program succeed.", "Program succeed. / 下载成功."};
+inline constexpr std::string_view next_chip = "After a few seconds re-connect will continue.  ";
+inline constexpr std::string_view next_chip_CN = "Chinese:几秒钟后将继续下载下一个 MCU...  ";
+
+// ---- connecting ----
+inline constexpr MessageText connecting = {"We are trying to connect to your MCU ... ",
+                                           "We are trying to connect to your MCU ... \r\n"
+                                           "Chinese:正在尝试与 MCU/单片机 握手连接 ... "};
+inline constexpr MessageText handshake_failed = {"Handshake is failed. (End: ",
+                                                 "Handshake is failed. / 握手失败 (End: "};
+inline constexpr MessageText baud_now = {"Now baud is: ", "Now baud is: / 当前波特率为: "};
+inline constexpr MessageText wrong_model = {"MCU Type is wrong. ",
+                                            "MCU Type is wrong. / MCU 型号错, 请重选"};
+inline constexpr MessageText wrong_model_box = {
+    "MCU Type is wrong, please select another MCU and open the file again.",
+    "MCU Type is wrong, please select another MCU and open the file again.\r\n"
+    "         Chinese:MCU 型号错。请重选 MCU、重新打开文件。"};
+// A clock line: the first, MHz, the second, MHz again, the third.
+inline constexpr std::string_view clock[] = {"Clock:", "MHz./时钟频率:", "M."};
+inline constexpr std::string_view internal_clock[] = {
+    "Internal clock:", "MHz./内部时钟频率:", "M."};
+inline constexpr std::string_view external_clock[] = {
+    "External clock:", "MHz./外部时钟频率:", "M."};
+
+// ---- erase ----
+inline constexpr MessageText erasing = {
+    "We are erasing application flash...",
+    "We are erasing application flash...\r\n正在擦除应用程序区..."};
+inline constexpr MessageText erase_failed = {"Erase application is failed. (End: ",
+                                             "Erase application is failed. / 擦除失败 (End: "};
+inline constexpr MessageText erase_advice = {
+    "Try to use the lower baud.", "Try to use the lower baud. / 请尝试用稍低的波特率下载。"};
+
+// ---- programming ----
+inline constexpr MessageText programming = {"Programming...", "Programming.../ 正在下载..."};
+inline constexpr MessageText program_failed = {"Program is failure. (End: ",
+                                               "Program is failure. / 下载失败 (End: "};
+inline constexpr MessageText program_advice = {
+    "Try to use the lower baud. ", "Try to use the lower baud. / 请尝试用稍低的波特率下载。"};
+
+// ---- the verdict beside the counter: a sign, so that it never speaks by colour alone ----
+inline constexpr MessageText verdict_running = {"… Running", "… Running / 正在进行"};
+inline constexpr MessageText verdict_done = {"✔ OK", "✔ OK / 成功"};
+inline constexpr MessageText verdict_failed = {"✘ Failed: ", "✘ Failed / 失败: "};
+inline constexpr MessageText verdict_stopped = {"■ Stopped", "■ Stopped / 已停止"};
+inline constexpr MessageText step_connect = {"Connect", "Connect / 连接"};
+inline constexpr MessageText step_identify = {"Identify model", "Identify model / 识别型号"};
+inline constexpr MessageText step_read_options = {"Read options", "Read options / 读选项"};
+inline constexpr MessageText step_erase = {"Erase", "Erase / 擦除"};
+inline constexpr MessageText step_program = {"Program", "Program / 下载"};
+inline constexpr MessageText step_write_options = {"Write options", "Write options / 写选项"};
+
+}  // namespace vkm::session_text

@@ -1,0 +1,81 @@
+#include <string_view>
+
+#include "session/download_session.h"
+
+namespace vkm {
+namespace {
+
+// Enabled in the states 0 (idle), 1 and 3 (busy), 2 (idle with options locked).
+struct Enabling {
+    bool idle;
+    bool busy;
+    bool locked;
+};
+constexpr Enabling free_only = {true, false, false};
+constexpr Enabling no_session = {true, false, true};
+constexpr Enabling session_only = {false, true, false};
+
+struct Row {
+    std::string_view control;  // an array stands for all its elements
+    Enabling enabled;
+};
+
+constexpr Row table[] = {
+    {"txtDevice", free_only},
+    {"txtAP_FileStart", free_only},
+    {"txtFileCheckSum", free_only},
+    {"cheClearAP_Buffer", free_only},
+    {"cheClearDataBuffer", free_only},
+    {"comLoadFile", free_only},
+    {"Command3", free_only},
+    {"comTJXZ", free_only},
+    {"comDebugContinue", free_only},
+    {"comOpenCOM", free_only},
+    {"comDebugClear", free_only},
+    {"comLockOptions", free_only},
+    {"comMastWindow", free_only},
+    {"comDebugSend", free_only},
+    {"comAutoSend", free_only},
+    {"comSendUserCode", free_only},
+    {"comStoreFile", free_only},
+    {"comDownSoft_ICE", free_only},
+    {"comDownload", no_session},
+    {"comDebugHelp", no_session},
+    {"comOpenBatchFile", no_session},
+    {"comSaveBatchFile", no_session},
+    {"comUnlockOptions", no_session},
+    {"com_Demo_DownLoad", no_session},
+    {"com_Demo_Re_DownLoad", no_session},
+    {"comReadChipLock", no_session},
+    {"comStop_Download", session_only},
+    {"com_Demo_Stop", session_only},
+};
+
+bool enabled_in(const Enabling& enabled, std::int16_t state) {
+    switch (state) {
+        case 0:
+            return enabled.idle;
+        case 2:
+            return enabled.locked;
+        default:
+            return enabled.busy;
+    }
+}
+
+void enable(Screen& screen, std::string_view name, bool enabled) {
+    int index = 0;
+    while (Control* control = find_control(screen, name, index++)) {
+        control->Enabled = enabled;
+        if (control->Index < 0) return;
+    }
+}
+
+}  // namespace
+
+void Set_UI_State(frmMain& frm, std::int16_t state) {
+    frm.session.UI_State = state;
+    for (const Row& row : table) enable(frm.screen, row.control, enabled_in(row.enabled, state));
+    if (frm.session.Apply_Option_Enable) frm.session.Apply_Option_Enable(frm);
+}
+
+}  // namespace vkm
