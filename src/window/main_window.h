@@ -20,6 +20,16 @@ bool QueryUnload(frmMain& frm);
 // The last act, after the window has been allowed to close.
 void Unload(frmMain& frm);
 
+// The operator moved or resized the window.
+void Window_Moved(frmMain& frm);
+
+// Saves the settings once after a change, and shows the ranges of the model.
+void Timer3_Tick(frmMain& frm);
+// After a block failed while the window is to close: closes it.
+void Timer4_Tick(frmMain& frm);
+// Half a second after the first pass of closing: the second.
+void TimerUnload_Tick(frmMain& frm);
+
 // Toggles between the whole window and the step column alone.
 void comMastWindow(frmMain& frm);
 

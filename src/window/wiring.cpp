@@ -1,0 +1,122 @@
+#include "window/wiring.h"
+
+#include "catalogue/model_selection.h"
+#include "image/image_files.h"
+#include "link/isp_link.h"
+#include "session/download_session.h"
+#include "window/main_window.h"
+#include "window/settings.h"
+
+namespace vkm {
+namespace {
+
+constexpr int escape_key = 27;
+constexpr std::string_view the_window{};
+
+using Event = const ScreenEvent&;
+
+// An operation that needs nothing of the event.
+template <void (*operation)(frmMain&)>
+void run(frmMain& frm, Event) {
+    operation(frm);
+}
+
+// An operation that is told which element of the array it was.
+template <void (*operation)(frmMain&, int)>
+void run_element(frmMain& frm, Event event) {
+    operation(frm, event.Source->Index);
+}
+
+// What would change the images under a running job waits for its end.
+template <void (*operation)(frmMain&)>
+void run_between_jobs(frmMain& frm, Event) {
+    if (!frm.session.Running) operation(frm);
+}
+
+void Drop_File(frmMain& frm, Event event) {
+    if (!frm.session.Running && frm.screen.comLoadFile.Enabled) Open_Dropped_File(frm, event.Text);
+}
+
+void Tree_Key(frmMain& frm, Event event) {
+    if (event.Key == escape_key) Close_Device_Tree(frm);
+}
+
+using enum EventKind;
+
+// clang-format off
+constexpr Wire wire_table[] = {
+    // Step 1: model
+    {"Command3",                 Click,   run_between_jobs<Open_Device_Tree>},
+    {"TreeViewDevice",           Click,   run_between_jobs<Device_Node_Click>},
+    {"TreeViewDevice",           KeyDown, Tree_Key},
+    // Step 2: files
+    {"comLoadFile",              Click,   run_between_jobs<comLoadFile>},
+    {"comLoadDataFile",          Click,   run_between_jobs<comLoadDataFile>},
+    {the_window,                 Drop,    Drop_File},
+    // Step 5: download
+    {"comDownload",              Click,   run_element<comDownload>},
+    {"comStop_Download",         Click,   run<comStop_Download>},
+    {"Command2",                 Click,   run<Command2>},
+    {"comClear_OK_Count",        Click,   run<comClear_OK_Count>},
+    // Window
+    {"comMastWindow",            Click,   run<comMastWindow>},
+    {"TabStrip1",                Click,   run<TabStrip1_Click>},
+    {"TabStrip2",                Click,   run<TabStrip2_Click>},
+    {"vscFile",                  Change,  run_element<vscFile_Change>},
+    // Save File
+    {"txt_Start_Address",        Change,  run<Enable_Save_File>},
+    {"txt_length",               Change,  run<Enable_Save_File>},
+    {"comStoreFile",             Click,   run<comStoreFile>},
+    // What the settings keep
+    {"combCommPort",             Click,   run<Settings_Changed>},
+    {"Option0",                  Click,   run<Settings_Changed>},
+    {"optFillbyte",              Click,   run<Settings_Changed>},
+    {"optBeepYes",               Click,   run<Settings_Changed>},
+    {"optBeepNo",                Click,   run<Settings_Changed>},
+    {"comDalay_ReDownLoad",      Click,   run<Settings_Changed>},
+    {"txtWrite_OK_Count",        Change,  run<Settings_Changed>},
+    {"opt_485_pin",              Click,   run<Settings_Changed>},
+    {"comb_485_pin",             Click,   run<Settings_Changed>},
+    {"opt_485_logic",            Click,   run<Settings_Changed>},
+    {"opt_External_WDT",         Click,   run<Settings_Changed>},
+    {"comb_External_WDT",        Click,   run<Settings_Changed>},
+    {"comWDT_Prescalar",         Click,   run<Settings_Changed>},
+    {the_window,                 Change,  run<Window_Moved>},
+};
+// clang-format on
+
+// The tree lies over the box until a choice is made: a click anywhere else (the
+// grounds of the steps included) closes it, as losing the focus does.
+bool closes_tree(const frmMain& frm, Event event) {
+    return frm.screen.TreeViewDevice.Visible && event.Kind == Click && event.Source &&
+           event.Source != &frm.screen.TreeViewDevice;
+}
+
+void wire_timers(Timers& timers) {
+    timers.Timer1.Tick = Timer1_Tick;
+    timers.Timer2.Tick = Timer2_Tick;
+    timers.Timer3.Tick = Timer3_Tick;
+    timers.Timer4.Tick = Timer4_Tick;
+    timers.TimerUnload.Tick = TimerUnload_Tick;
+}
+
+}  // namespace
+
+std::span<const Wire> wires() {
+    return wire_table;
+}
+
+void wire(frmMain& frm) {
+    wire_timers(frm.timers);
+    frm.link.Receive_Event = on_port_event;
+    frm.link.Check_Model = Check_Model;
+}
+
+void handle_event(frmMain& frm, const ScreenEvent& event) {
+    if (closes_tree(frm, event)) Close_Device_Tree(frm);
+    const std::string_view name = event.Source ? event.Source->Name : the_window;
+    for (const Wire& wire : wire_table)
+        if (wire.kind == event.Kind && wire.control == name) return wire.run(frm, event);
+}
+
+}  // namespace vkm
