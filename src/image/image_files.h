@@ -1,14 +1,20 @@
 // The two memory images and the files that go into them.
 //
 // Owns the records AP_Buffer and Data_Buffer, the load driver through which
-// every load passes, the two readers (hex_reader.h, bin_reader.h) with their
-// range rules, and the page of hexadecimal text. Called by the wiring (buttons,
-// dropped files), the download (reload) and later by projects. Always holds: the
-// byte arrays are never resized, and no file can store outside them. Trouble
-// with ranges is told in one box; a file that can't be read counts as empty.
+// every load passes, the two readers (readers.h) with their range rules
+// (range_rules.h), and the page of hexadecimal text. Called by the wiring
+// (buttons, dropped files), the download (reload) and later by projects. Always
+// holds: the byte arrays are never resized, and no file can store outside them.
+// Trouble with ranges is told in one box; a file that can't be read counts as
+// empty.
+//
+// Events run while a file is read. A load or reset of the same image that comes
+// meanwhile is the operator's later wish: it is carried out whole, and the load
+// that it overtook ends without touching anything more.
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -18,6 +24,9 @@ namespace vkm {
 
 // Sizes both images and names them. Once, at start.
 void Allocate_Buffers(frmMain& frm);
+
+// Stores the value in every byte.
+void Fill_Bytes(std::uint8_t value, std::span<std::uint8_t> bytes);
 
 // Empties one image: every byte gets `value`.
 void Reset_Buffer(frmMain& frm, std::uint8_t value, Image_Buffer& buffer);
@@ -43,6 +52,7 @@ void vscFile_Change(frmMain& frm, int element);
 // ---- the operator's entry points ----
 void comLoadFile(frmMain& frm);
 void comLoadDataFile(frmMain& frm);
+// Takes a file as comLoadFile does, when that could be clicked now.
 void Open_Dropped_File(frmMain& frm, const std::string& path);
 void comStoreFile(frmMain& frm);
 // txt_Start_Address or txt_length changed: comStoreFile needs both.

@@ -7,11 +7,17 @@
 
 namespace vkm {
 
+struct frmMain;
+
 struct ImageState {
     Image_Buffer AP_Buffer;    // the program file
     Image_Buffer Data_Buffer;  // the data file, for the chip's data memory
     bool File_Loaded = false;  // one flag for both images; a download asks for it
     std::string Current_File;  // path of the file being loaded, or loaded last
+
+    // Plugs; a plug that is null is passed over.
+    void (*Show_Chosen_Page)(frmMain&) = nullptr;  // TabStrip2: shows the page of its chosen tab
+    void (*Load_Project)(frmMain&, const std::string& path) = nullptr;  // a ".VKM" file was chosen
 };
 
 }  // namespace vkm

@@ -1,0 +1,28 @@
+// An image and what belongs to it on the screen.
+#pragma once
+
+#include "frmMain.h"
+
+namespace vkm {
+
+struct BufferView {
+    Image_Buffer& buffer;
+    Auto_Increase_Set& set;
+    Control& page;             // the hexadecimal text
+    Control& bar;              // its scroll bar, one step a row
+    Control& frame;            // holds both; the path stands in its caption
+    std::string_view caption;  // what stands before the path
+    Control& sum;
+    Control& start;        // start address of the next file
+    Control& clear_first;  // clear the image before it
+};
+
+// 0 program image, 1 data image.
+BufferView view_of_element(frmMain& frm, int element);
+BufferView view_of_buffer(frmMain& frm, const Image_Buffer& buffer);
+
+// Shows the page that holds these addresses, as far as they lie in the image,
+// and proposes the image's length for saving.
+void Draw_Page(frmMain& frm, const BufferView& view, std::int64_t first, std::int64_t last);
+
+}  // namespace vkm
