@@ -33,7 +33,11 @@ bool close_port(frmMain& frm);
 // The settings stay.
 void Restart_Port(frmMain& frm);
 
-// Sets the port's settings to "BAUD,n,8,1".
+// Shows the port as open or closed beside its list.
+void show_port_picture(frmMain& frm, bool open);
+
+// Sets the port's settings to "BAUD,n,8,1". False when they are refused; the
+// settings before stay in force then.
 bool set_port_baud(frmMain& frm, std::string_view baud);
 
 // The list of cobBaudMax stands at the base baud, so that nothing may change
@@ -81,6 +85,9 @@ int send_trigger(frmMain& frm, std::uint8_t command);
 // The usual wait: restarts Timer7 and waits for frame_ok, stop_requested or the
 // timer's end. True when a frame came.
 bool wait_for_frame(frmMain& frm, std::int32_t timeout_ms);
+
+// The same on a timer that has been started already.
+bool wait_for_armed_timer(frmMain& frm, const Timer& timer);
 
 // How long a block's answer may take (ms), by the chip's clock and the baud.
 std::int32_t reply_timeout(double crystal_frequency, std::int32_t baud);

@@ -1,0 +1,66 @@
+// Waiting for a reply, and how long.
+#include <algorithm>
+#include <array>
+
+#include "link/isp_link.h"
+#include "text/numbers.h"
+#include "waiting/waiting.h"
+
+namespace vkm {
+namespace {
+
+// Slow chips write their flash slowly (clock in Hz, time in ms).
+struct ClockRow {
+    double below;
+    std::int32_t timeout_ms;
+};
+constexpr std::array<ClockRow, 5> by_clock = {
+    {{3e6, 4000}, {4e6, 3000}, {6e6, 2000}, {8e6, 1500}, {1.2e7, 1200}}};
+constexpr std::int32_t shortest_timeout_ms = 1000;
+
+// On a slow line the block itself takes this long.
+struct BaudRow {
+    std::int32_t up_to;
+    std::int32_t at_least_ms;
+};
+constexpr std::array<BaudRow, 4> by_baud = {
+    {{1200, 5000}, {2400, 3000}, {4800, 2000}, {9600, 1500}}};
+
+}  // namespace
+
+std::int32_t reply_timeout(double crystal_frequency, std::int32_t baud) {
+    const auto clock = std::find_if(by_clock.begin(), by_clock.end(), [&](const ClockRow& row) {
+        return crystal_frequency < row.below;
+    });
+    const std::int32_t timeout = clock != by_clock.end() ? clock->timeout_ms : shortest_timeout_ms;
+    const auto line = std::find_if(by_baud.begin(), by_baud.end(),
+                                   [&](const BaudRow& row) { return baud <= row.up_to; });
+    return line != by_baud.end() ? std::max(timeout, line->at_least_ms) : timeout;
+}
+
+void arm_reply_timer(frmMain& frm) {
+    const std::int32_t baud = leading_integer(frm.platform.port.settings());
+    restart_timer(frm, frm.timers.Timer7, reply_timeout(frm.link.crystal_frequency, baud));
+}
+
+bool wait_for_armed_timer(frmMain& frm, const Timer& timer) {
+    wait_until(frm, [&] { return frm.link.frame_ok || frm.link.stop_requested || !timer.Enabled; });
+    return frm.link.frame_ok;
+}
+
+bool wait_for_frame(frmMain& frm, std::int32_t timeout_ms) {
+    restart_timer(frm, frm.timers.Timer7, timeout_ms);
+    return wait_for_armed_timer(frm, frm.timers.Timer7);
+}
+
+void Timer1_Tick(frmMain& frm) {
+    stop_timer(frm.timers.Timer1);
+    frm.link.reply_timed_out = true;
+}
+
+void Timer2_Tick(frmMain& frm) {
+    stop_timer(frm.timers.Timer2);
+    frm.link.reply_gap_or_bad = true;
+}
+
+}  // namespace vkm
