@@ -48,8 +48,8 @@ class ScriptedDialogs final : public Dialogs {
     std::function<void(Microseconds)> let_events_run;
 
     // ---- the seam -----------------------------------------------------------
-    void show_text(std::string_view text, std::string_view title) override;
-    bool ask_yes_no(std::string_view text, std::string_view title) override;
+    void show_text(std::string_view text, std::string_view title = {}) override;
+    bool ask_yes_no(std::string_view text, std::string_view title = {}) override;
     std::string ask_file_to_open(const FileQuestion& question) override;
     std::string ask_file_to_save(const FileQuestion& question) override;
 
