@@ -54,8 +54,8 @@ struct Fault {
 
 using FaultPlan = std::vector<Fault>;
 
-// Answers to this kind are lost until the nth of them.
-Fault answers_from(FrameKind frame, int nth);
+// Frames of this kind are answered from the nth on only.
+FaultPlan answers_from(FrameKind frame, int nth);
 
 std::string_view name_of(FrameKind kind);
 std::string_view name_of(FaultKind kind);

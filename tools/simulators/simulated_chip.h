@@ -24,49 +24,14 @@
 #include <string_view>
 #include <vector>
 
+#include "simulators/chip_config.h"
+#include "simulators/chip_frames.h"
+#include "simulators/chip_silicon.h"
 #include "simulators/fault_plan.h"
+#include "simulators/nor_flash.h"
 #include "simulators/wire.h"
 
 namespace vkm::sim {
-
-// Option bytes by their number, 0 to 16; a chip has some of them only.
-using OptionBytes = std::array<std::uint8_t, 17>;
-
-// What happens to the chip once its user program has started, as on a bench
-// where one chip after another is put into the socket.
-struct AfterStart {
-    bool power_cycle = false;
-    std::chrono::milliseconds off_after{500};  // from the start of the user program
-    std::chrono::milliseconds off_for{200};    // without power
-    bool fresh_chip = false;                   // a blank one of the same kind comes in its place
-};
-
-struct ChipConfig {
-    std::string model = "VKM47H58RK+";  // any name of the catalogue
-    char letter = 0;                    // firmware letter A to G; 0: the model's usual one
-    int version = -1;                   // version byte, 0x38 is "3.8"; -1: the letter's usual one
-    double clock_hz = 11059200;         // of the crystal or oscillator
-    bool double_speed = false;  // letters A and C: the option that runs it at twice that clock
-    int status_length = 0;      // length field of the status frame, at least 24; 0: usual one
-    std::uint8_t feature = 0;   // feature byte of long status frames; bits 1 and 0 tell the size of
-                                // the firmware, bit 7 that noise precedes its answers
-    std::optional<std::vector<std::uint8_t>> id;  // ID bytes instead of the model's
-    std::optional<OptionBytes> options;           // instead of those a chip is delivered with
-    bool short_acks = false;                      // block answers without the data sum
-
-    std::chrono::microseconds turnaround{300};   // from a frame's end to its answer
-    std::chrono::microseconds block_time{1000};  // programming one frame's data
-    std::chrono::milliseconds erase_time{300};   // one erase command
-    std::chrono::milliseconds option_time{8};    // writing the option bytes
-    std::chrono::milliseconds listen_window{0};  // without pulses for so long after power-up, the
-                                                 // user program starts; 0: it listens for ever
-    Instant powered_at{};  // cold until then; `never`: until power_on is called
-    AfterStart after_start;
-
-    int option_busy = 0;           // so many option writes are answered "busy" (81) first; -1: all
-    std::uint8_t option_flaw = 0;  // XORed onto the first option byte that is stored
-    FaultPlan faults;
-};
 
 enum class ChipState {
     off,        // without power
@@ -126,21 +91,21 @@ class SimulatedChip {
     void load_flash(std::span<const std::uint8_t> bytes);
     void set_options(const OptionBytes& options) { options_ = options; }
     void add_fault(const Fault& fault);
-    void clear_faults_plan() { plan_.clear(); }
+    void forget_faults() { plan_.clear(); }
 
     // ---- what a test or a person wants to see ---------------------------------
     const ChipConfig& config() const { return config_; }
     ChipState state() const { return state_; }
     std::string_view state_name() const { return name_of(state_); }
     bool started() const { return counters_.starts > 0; }  // since it was made
-    std::span<const std::uint8_t> flash() const { return flash_; }
+    std::span<const std::uint8_t> flash() const { return flash_.bytes(); }
     const OptionBytes& options() const { return options_; }
     // Numbers of the option bytes that this firmware has, in the order of its frames.
     std::span<const int> option_numbers() const;
-    char letter() const { return letter_; }
-    std::uint8_t version() const { return version_; }
-    int family() const { return family_; }
-    double clock() const;                  // Hz, of the clock that its timers run from now
+    char letter() const { return silicon_ ? silicon_->letter : '?'; }
+    std::uint8_t version() const { return silicon_ ? silicon_->version : std::uint8_t{0}; }
+    int family() const { return silicon_ ? silicon_->family : -1; }
+    double clock() const;                  // Hz, what its timers run from
     double rate() const { return rate_; }  // baud at which it hears now; 0 without power
     const ChipCounters& counters() const { return counters_; }
     // Objections to what came over the line, oldest first; at most some hundreds.
@@ -151,16 +116,16 @@ class SimulatedChip {
     std::vector<std::string> take_faults();
 
   private:
-    // A command that was carried out: what to answer, how long it took.
+    // What a command came to.
     struct Outcome {
-        bool answer = false;
-        std::vector<std::uint8_t> payload;  // from the reply code on
-        std::chrono::microseconds work{0};
-        double reply_rate = 0;  // 0: the rate in force
+        bool answered = true;
+        std::vector<std::uint8_t> payload;  // of the answer, from the reply code on
+        std::chrono::microseconds work{0};  // before the answer
+        std::optional<double> rate;         // of the answer, if not the one in force
     };
     struct PlannedFault {
         Fault fault;
-        int seen = 0;
+        int seen = 0;  // frames of its kind so far
     };
     struct PowerEvent {
         Instant at;
@@ -168,77 +133,89 @@ class SimulatedChip {
         bool fresh_chip = false;
     };
 
-    // ---- simulated_chip.cpp: power, line, answers ----
+    // ---- simulated_chip.cpp: power, and the bytes of the line ----
     void hear(Instant at, std::uint8_t value, double sent_baud);
     Instant due() const;
     void act(Instant now);
     std::vector<WireByte> take_output();
-    void hear_in_sync(Instant at, std::uint8_t value, double sent_baud);
-    void hear_pulse(Instant at, std::uint8_t value, double sent_baud);
-    void answer_pulses(Instant at, double sent_baud);
-    void hear_frame_byte(Instant at, std::uint8_t value);
-    bool frame_is_well_formed();
-    void frame_heard(Instant at);
-    void reply(Instant at, FrameKind kind, const Outcome& outcome,
-               const std::vector<Fault>& struck);
-    std::vector<Fault> strike(FrameKind kind);
-    void schedule(PowerEvent event);
+
+    void switch_on(Instant at);
+    void switch_off();
+    void run_power_events(Instant now);
     void start_user_program(Instant at);
+
+    void hear_in_sync(Instant at, std::uint8_t value, double sent_baud);
+    void hear_pulse(Instant at, std::uint8_t value, double pulse_baud);
+    void connect(Instant at, bool by_trigger, double baud);
+    void hear_frame_byte(Instant at, std::uint8_t value);
     void object(std::string text);
     void log_frame(LoggedFrame frame);
 
+    // ---- chip_answers.cpp: answers, and what goes wrong with them ----
+    std::vector<Fault> strike(FrameKind kind);
+    bool struck_dead(Instant at, const std::vector<Fault>& struck);
+    void answer(Instant at, FrameKind kind, Outcome outcome, const std::vector<Fault>& struck);
+    bool precedes_answers_with_noise(FrameKind kind) const;
+
     // ---- chip_commands.cpp: what the firmware does ----
+    FrameKind kind_of_frame() const;
+    void frame_heard(Instant at);
+    void trigger_heard(Instant at);
+    bool long_enough(FrameKind kind);
+    bool has_preamble();
+    Outcome acknowledged(std::chrono::microseconds work = {}) const;
+    Outcome refused(std::string why);  // answered with a code of its own
+    Outcome ignored(std::string why);  // not answered
     Outcome carry_out(FrameKind kind, Instant at);
+    Outcome status() const;
     Outcome do_watchdog();
-    Outcome do_baud(bool final_switch);
+    Outcome do_baud(FrameKind kind);
+    void check_waits(FrameKind kind, std::span<const std::uint8_t> body);
     Outcome do_link_check();
     Outcome do_erase();
+    std::string objection_to_erase() const;
+    std::uint32_t erase_end() const;
     Outcome do_block();
+    bool write_to_flash(std::uint32_t address, std::span<const std::uint8_t> data);
+    void erase_on_entering(std::uint32_t sector);
     Outcome do_status_read();
+    Outcome do_leave(FrameKind kind, Instant at);
+
+    // ---- chip_options.cpp: the option bytes ----
     Outcome do_options();
-    Outcome do_nothing_known();
-    Outcome status_payload(std::uint32_t count_sum);
-    FrameKind kind_of_frame() const;
-    std::uint8_t option_report(int number) const;
-    bool options_acceptable(std::span<const std::uint8_t> body);
-    void erase_sectors_below(std::uint32_t end);
-    void erase_sector_of(std::uint32_t address);
-    bool program(std::uint32_t address, std::span<const std::uint8_t> data);
+    std::string objection_to_options(std::span<const std::uint8_t> body) const;
+    std::string objection_to_clock(std::uint8_t source, std::span<const std::uint8_t> clock) const;
+    std::string objection_to_pair(std::span<const std::uint8_t> pair) const;
+    void store_options(std::span<const std::uint8_t> body);
+    void append_options(std::vector<std::uint8_t>& payload) const;
+    bool lacks_watchdog_option() const;
 
     ChipConfig config_;
-
-    // ---- what was cast into the silicon ----
-    bool usable_ = false;  // the catalogue knows the model
-    int family_ = 0;
-    char letter_ = 'A';
-    std::uint8_t version_ = 0;
-    std::vector<std::uint8_t> id_;
-    std::uint32_t program_end_ = 0;  // one past the program area
-    std::uint32_t sector_ = 512;     // bytes
+    std::optional<Silicon> silicon_;  // none: the catalogue doesn't know the model
 
     // ---- what outlives a power cycle ----
-    std::vector<std::uint8_t> flash_;
+    NorFlash flash_;
     OptionBytes options_{};
 
     // ---- the running firmware ----
     ChipState state_ = ChipState::off;
-    Instant powered_since_{};
-    double clock_ = 0;         // Hz, in force since power-up
-    double rate_ = 0;          // baud at which it hears
-    bool by_trigger_ = false;  // connected by the trigger at 115200 baud
+    double clock_ = 0;               // Hz, in force since power-up
+    double rate_ = 0;                // baud at which it hears
+    bool by_trigger_ = false;        // connected by the trigger at 115200 baud
+    Instant listens_until_ = never;  // for pulses; then the user program starts
     int pulses_in_row_ = 0;
+    std::array<std::uint16_t, 8> clock_counts_{};
+    FrameReceiver receiver_;
     Instant last_byte_{};
-    Instant busy_until_{};
-    bool objected_to_garbling_ = false;         // once for a row of garbled bytes
-    std::vector<std::uint8_t> frame_;           // being received, from its 46
-    std::optional<std::uint16_t> tested_pair_;  // the reload pair last tested
-    std::int64_t self_erased_sector_ = -1;      // firmware that erases as it writes
+    Instant busy_until_{};                         // until then it hears nothing
+    bool objected_ = false;                        // to the present row of garbled or missed bytes
+    std::optional<std::uint16_t> tested_pair_;     // the reload pair last tested
+    std::optional<std::uint32_t> written_sector_;  // number, for firmware that erases as it writes
     int busy_answers_ = 0;
-    std::uint16_t clock_count_ = 0;  // mean of the counts that it measured
 
-    std::deque<WireByte> sending_;          // of answers, not yet given out
-    std::vector<WireByte> output_;          // given out at the next take_output
-    std::vector<PowerEvent> power_events_;  // in order of time
+    std::deque<WireByte> sending_;         // of answers, not yet given out
+    std::vector<WireByte> output_;         // given out at the next take_output
+    std::deque<PowerEvent> power_events_;  // in order of time
 
     std::vector<PlannedFault> plan_;
     ChipCounters counters_;

@@ -1,7 +1,5 @@
 #include "simulators/wire.h"
 
-#include <cmath>
-
 namespace vkm::sim {
 
 // Rounded down, so that bytes whose starts are told as multiples of it never overlap.

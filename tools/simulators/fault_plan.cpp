@@ -1,0 +1,162 @@
+#include "simulators/fault_plan.h"
+
+#include <array>
+#include <charconv>
+#include <utility>
+
+namespace vkm::sim {
+namespace {
+
+template <typename Kind, std::size_t N>
+using Names = std::array<std::pair<Kind, std::string_view>, N>;
+
+constexpr Names<FrameKind, 13> frame_names{{
+    {FrameKind::any, "any"},
+    {FrameKind::status, "status"},
+    {FrameKind::watchdog, "watchdog"},
+    {FrameKind::test_baud, "test_baud"},
+    {FrameKind::set_baud, "set_baud"},
+    {FrameKind::link_check, "link_check"},
+    {FrameKind::erase, "erase"},
+    {FrameKind::block, "block"},
+    {FrameKind::status_read, "status_read"},
+    {FrameKind::options, "options"},
+    {FrameKind::trigger, "trigger"},
+    {FrameKind::last_command, "last_command"},
+    {FrameKind::unknown, "unknown"},
+}};
+
+constexpr Names<FaultKind, 11> fault_names{{
+    {FaultKind::lose_frame, "lose_frame"},
+    {FaultKind::lose_reply, "lose_reply"},
+    {FaultKind::damage, "damage"},
+    {FaultKind::delay, "delay"},
+    {FaultKind::twice, "twice"},
+    {FaultKind::cut_off, "cut_off"},
+    {FaultKind::noise, "noise"},
+    {FaultKind::wrong_data_sum, "wrong_data_sum"},
+    {FaultKind::other_code, "other_code"},
+    {FaultKind::wrong_length, "wrong_length"},
+    {FaultKind::power_loss, "power_loss"},
+}};
+
+template <typename Kind, std::size_t N>
+std::string_view name_in(const Names<Kind, N>& names, Kind kind) {
+    for (const auto& [entry, name] : names)
+        if (entry == kind) return name;
+    return "?";
+}
+
+template <typename Kind, std::size_t N>
+std::optional<Kind> kind_in(const Names<Kind, N>& names, std::string_view name) {
+    for (const auto& [kind, entry] : names)
+        if (entry == name) return kind;
+    return std::nullopt;
+}
+
+// The whole text as a number, nothing before or behind it.
+template <typename Number>
+bool read_number(std::string_view text, Number& number, int base = 10) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
+    return error == std::errc{} && end == text.data() + text.size() && !text.empty();
+}
+
+// What stands behind the mark; the mark and all behind it leave the text.
+std::optional<std::string_view> split_off(std::string_view& text, char mark) {
+    const std::size_t place = text.find(mark);
+    if (place == std::string_view::npos) return std::nullopt;
+    const std::string_view rest = text.substr(place + 1);
+    text = text.substr(0, place);
+    return rest;
+}
+
+bool read_hex_bytes(std::string_view text, std::vector<std::uint8_t>& bytes) {
+    if (text.empty() || text.size() % 2 != 0) return false;
+    for (std::size_t i = 0; i < text.size(); i += 2) {
+        std::uint8_t byte = 0;
+        if (!read_number(text.substr(i, 2), byte, 16)) return false;
+        bytes.push_back(byte);
+    }
+    return true;
+}
+
+// What the kinds do when no value is told.
+void set_default_value(Fault& fault) {
+    switch (fault.kind) {
+        case FaultKind::damage:
+            fault.value = 6;
+            break;
+        case FaultKind::delay:
+            fault.value = 100;
+            break;
+        case FaultKind::cut_off:
+            fault.value = 4;
+            break;
+        case FaultKind::noise:
+            fault.bytes = {0x00, 0x68, 0xFF};
+            break;
+        case FaultKind::other_code:
+            fault.value = 0x8F;
+            break;
+        case FaultKind::wrong_length:
+            fault.value = 0xFFFF;
+            break;
+        default:
+            break;
+    }
+}
+
+}  // namespace
+
+FaultPlan answers_from(FrameKind frame, int nth) {
+    if (nth <= 1) return {};
+    Fault fault;
+    fault.kind = FaultKind::lose_reply;
+    fault.frame = frame;
+    fault.times = nth - 1;
+    return {fault};
+}
+
+std::string_view name_of(FrameKind kind) {
+    return name_in(frame_names, kind);
+}
+std::string_view name_of(FaultKind kind) {
+    return name_in(fault_names, kind);
+}
+std::optional<FrameKind> frame_kind_named(std::string_view name) {
+    return kind_in(frame_names, name);
+}
+std::optional<FaultKind> fault_kind_named(std::string_view name) {
+    return kind_in(fault_names, name);
+}
+
+std::optional<Fault> parse_fault(std::string_view text) {
+    Fault fault;
+    const auto value = split_off(text, '=');
+    const auto times = split_off(text, '*');
+    const auto nth = split_off(text, ':');
+    const auto frame = split_off(text, '@');
+
+    const auto kind = fault_kind_named(text);
+    if (!kind) return std::nullopt;
+    fault.kind = *kind;
+    if (frame) {
+        const auto frame_kind = frame_kind_named(*frame);
+        if (!frame_kind) return std::nullopt;
+        fault.frame = *frame_kind;
+    }
+    if (nth && (!read_number(*nth, fault.nth) || fault.nth < 1)) return std::nullopt;
+    if (times && (!read_number(*times, fault.times) || fault.times < 0)) return std::nullopt;
+
+    set_default_value(fault);
+    if (!value) return fault;
+    if (fault.kind == FaultKind::noise) {
+        fault.bytes.clear();
+        if (!read_hex_bytes(*value, fault.bytes)) return std::nullopt;
+    } else if (!read_number(*value, fault.value) || fault.value < 0) {
+        return std::nullopt;
+    }
+    return fault;
+}
+
+}  // namespace vkm::sim
