@@ -12,9 +12,9 @@ namespace {
 
 using test::VirtualWorld;
 
-struct Run : VirtualWorld {
+struct ToolRun : VirtualWorld {
     // Starts the tool with what an earlier run left in the store.
-    explicit Run(const test::MemorySettings::Values& stored = {}) {
+    explicit ToolRun(const test::MemorySettings::Values& stored = {}) {
         settings.values = settings.on_disk = stored;
         wire(frm);
         Load(frm);
@@ -44,7 +44,7 @@ test::MemorySettings::Values one(const std::string& key, const std::string& valu
 }
 
 TEST(Settings, AnEmptyStoreGivesTheDefaults) {
-    Run run;
+    ToolRun run;
     const Screen& s = run.frm.screen;
     EXPECT_EQ(s.window.Left, 0);
     EXPECT_EQ(s.window.Top, 0);
@@ -69,7 +69,7 @@ TEST(Settings, AnEmptyStoreGivesTheDefaults) {
 }
 
 TEST(Settings, StartingSavesEverySettingHalfASecondLaterAndNotBefore) {
-    Run run;
+    ToolRun run;
     run.run_for(499);
     EXPECT_EQ(run.stored("COM_port"), "(absent)");
     run.run_for(2);
@@ -99,10 +99,10 @@ TEST(Settings, StartingSavesEverySettingHalfASecondLaterAndNotBefore) {
 TEST(Settings, WhatTheOperatorChoseIsThereAfterACrashAndARestart) {
     test::MemorySettings::Values left;
     {
-        Run run;
+        ToolRun run;
         Screen& s = run.frm.screen;
         run.run_for(1000);
-        run.choose_model("VKM26H5410E");
+        run.choose_model("VKM26H2052");
         run.choose(s.combCommPort, 15);
         run.turn_on(s.Option0[0], s.Option0[1]);
         run.turn_on(s.optBeepNo, s.optBeepYes);
@@ -122,9 +122,9 @@ TEST(Settings, WhatTheOperatorChoseIsThereAfterACrashAndARestart) {
     EXPECT_EQ(left.at({"Settings", "WDT_Prescalar"}), "2");
     EXPECT_EQ(left.at({"Settings", "Write_OK_Count"}), "1234");
 
-    Run again(left);
+    ToolRun again(left);
     const Screen& s = again.frm.screen;
-    EXPECT_EQ(s.txtDevice.Text, "VKM26H5410E");
+    EXPECT_EQ(s.txtDevice.Text, "VKM26H2052");
     EXPECT_EQ(text_of(s.combCommPort), "COM16");
     EXPECT_EQ(s.Option0[0].Value, 1);
     EXPECT_EQ(s.Option0[1].Value, 0);
@@ -151,7 +151,7 @@ TEST(Settings, EveryControlThatASettingStandsForStartsTimer3) {
         {"comWDT_Prescalar", EventKind::Click},
     };
     for (const auto& [name, kind] : changes) {
-        Run run;
+        ToolRun run;
         run.run_for(1000);
         ASSERT_FALSE(run.frm.timers.Timer3.Enabled);
         Control* control = find_control(run.frm.screen, name, 0);
@@ -163,7 +163,7 @@ TEST(Settings, EveryControlThatASettingStandsForStartsTimer3) {
 }
 
 TEST(Settings, ASteadyStreamOfChangesIsSavedEveryHalfSecond) {
-    Run run;
+    ToolRun run;
     run.run_for(1000);
     Screen& s = run.frm.screen;
     for (int i = 0; i < 20; ++i) {
@@ -196,7 +196,7 @@ TEST(Settings, TheSpeedNumberChoosesTheSpeed) {
         {"99999999999999999999", 0, 1},
     };
     for (const SpeedRow& row : rows) {
-        Run run(one("安全锁", row.number));
+        ToolRun run(one("安全锁", row.number));
         EXPECT_EQ(run.frm.screen.Option0[0].Value, row.double_speed) << row.number;
         EXPECT_EQ(run.frm.screen.Option0[1].Value, row.normal_speed) << row.number;
     }
@@ -204,12 +204,12 @@ TEST(Settings, TheSpeedNumberChoosesTheSpeed) {
 
 TEST(Settings, TheWrittenSpeedNumberBringsTheSameSpeedBack) {
     for (int element : {0, 1}) {
-        Run run;
+        ToolRun run;
         auto& speed = run.frm.screen.Option0;
         run.turn_on(speed[element == 0 ? 0 : 1], speed[element == 0 ? 1 : 0]);
         run.run_for(501);
         EXPECT_EQ(run.stored("安全锁"), element == 0 ? "4" : "2");
-        Run again(run.settings.on_disk);
+        ToolRun again(run.settings.on_disk);
         EXPECT_EQ(again.frm.screen.Option0[0].Value, element == 0 ? 1 : 0);
         EXPECT_EQ(again.frm.screen.Option0[1].Value, element == 0 ? 0 : 1);
     }
@@ -217,7 +217,7 @@ TEST(Settings, TheWrittenSpeedNumberBringsTheSameSpeedBack) {
 
 TEST(Settings, ATextThatNoModelHasFallsBackToTheDefaultModel) {
     for (const char* text : {"", "VKM99X99", "26H2052 系列", "Family26H2052", "vkm47h51rb"}) {
-        Run run(one("DeviceProducts", text));
+        ToolRun run(one("DeviceProducts", text));
         EXPECT_EQ(run.frm.screen.txtDevice.Text, "VKM47H51RB") << text;
         EXPECT_TRUE(run.boxes().empty()) << text;
         run.run_for(501);
@@ -226,8 +226,8 @@ TEST(Settings, ATextThatNoModelHasFallsBackToTheDefaultModel) {
 }
 
 TEST(Settings, TheSaverChoosesTheDefaultModelWhenTheTreeShowsNone) {
-    Run run;
-    run.choose_model("VKM26H5410E");
+    ToolRun run;
+    run.choose_model("VKM26H2052");
     choose_key(run.frm.screen.TreeViewDevice, "Family26H2052");
     Save_Settings(run.frm);
     EXPECT_EQ(run.stored("DeviceProducts"), "VKM47H51RB");
@@ -240,7 +240,7 @@ TEST(Settings, TheSaverChoosesTheDefaultModelWhenTheTreeShowsNone) {
 TEST(Settings, OnlyTheExactWordTurnsTheBeepOn) {
     for (const auto& [text, yes] :
          {std::pair{"True", 1}, {"False", 0}, {"true", 0}, {"1", 0}, {"", 0}}) {
-        Run run(one("BeepYesNo", text));
+        ToolRun run(one("BeepYesNo", text));
         EXPECT_EQ(run.frm.screen.optBeepYes.Value, yes) << text;
         EXPECT_EQ(run.frm.screen.optBeepNo.Value, 1 - yes) << text;
     }
@@ -256,7 +256,7 @@ TEST(Settings, AnIndexThatIsNoNumberCountsAsZeroAndOneOutsideTheListAsAbsent) {
                                       {"1e9", 1},
                                       {"99999999999", 4},
                                       {"3.9", 3}}) {
-        Run run(one("Dalay_ReDownLoad", text));
+        ToolRun run(one("Dalay_ReDownLoad", text));
         EXPECT_EQ(run.frm.screen.comDalay_ReDownLoad.ListIndex, index) << text;
     }
 }
@@ -264,7 +264,7 @@ TEST(Settings, AnIndexThatIsNoNumberCountsAsZeroAndOneOutsideTheListAsAbsent) {
 TEST(Settings, AFlagIsOnForAnyNumberButZero) {
     for (const auto& [text, first] :
          {std::pair{"1", 1}, {"-1", 1}, {"True", 1}, {"0", 0}, {"False", 0}, {"junk", 0}}) {
-        Run run(one("pin_for_485", text));
+        ToolRun run(one("pin_for_485", text));
         EXPECT_EQ(run.frm.screen.opt_485_pin[0].Value, first) << text;
         EXPECT_EQ(run.frm.screen.opt_485_pin[1].Value, 1 - first) << text;
     }
@@ -277,7 +277,7 @@ TEST(Settings, AnUnreadableCountIsZero) {
           {"junk", "0"},
           {"", "0"},
           {"123456789012345678901234567890", "123456789012345678901234567890"}}) {
-        Run run(one("Write_OK_Count", text));
+        ToolRun run(one("Write_OK_Count", text));
         EXPECT_EQ(run.frm.screen.txtWrite_OK_Count.Text, count) << text;
     }
 }
@@ -286,7 +286,7 @@ TEST(Settings, WindowValuesAreTakenAsTheyStand) {
     for (const auto& [text, value] :
          {std::pair{"-300", -300}, {"junk", 0}, {"", 0}, {"99999999999", 2147483647}}) {
         for (const char* key : {"MainLeft", "MainTop", "MainWidth", "MainHeight"}) {
-            Run run(one(key, text));
+            ToolRun run(one(key, text));
             const WindowRecord& window = run.frm.screen.window;
             const std::map<std::string, std::int32_t> values = {{"MainLeft", window.Left},
                                                                 {"MainTop", window.Top},
@@ -314,7 +314,7 @@ TEST(Settings, ThePanelIsAtLeast300WideAndLeaves100OfTheWindow) {
         {"-99999999999", "-99999999999", 300},
     };
     for (const auto& [window, stored, fitting] : rows) {
-        Run run({{{"Settings", "MainWidth"}, window}, {{"Settings", "Frame24_Width"}, stored}});
+        ToolRun run({{{"Settings", "MainWidth"}, window}, {{"Settings", "Frame24_Width"}, stored}});
         EXPECT_EQ(run.frm.screen.window.Frame24_Width, fitting) << window << " " << stored;
     }
 }
@@ -352,7 +352,7 @@ TEST(Settings, JunkInEveryKeyAtOnceGivesAWindowThatWorks) {
     for (const std::string& text : junk) {
         test::MemorySettings::Values stored;
         for (const char* key : keys) stored[{"Settings", key}] = text;
-        Run run(stored);
+        ToolRun run(stored);
         run.run_for(501);
         EXPECT_EQ(run.frm.screen.txtDevice.Text, "VKM47H51RB");
         EXPECT_EQ(run.stored("fillbyte"), "00");

@@ -109,7 +109,7 @@ TEST(WindowStart, OpensNoPortAndAsksNothing) {
 TEST(WindowTimer3, ShowsTheRangesOfTheModelAndStopsItself) {
     Window window;
     Screen& s = window.frm.screen;
-    choose_key(s.TreeViewDevice, "VKM26H5410E");
+    choose_key(s.TreeViewDevice, "VKM26H2052");
     window.click(s.TreeViewDevice);
     const std::string before = s.txtISP_reange[1].Text;
     window.run_for(499);
@@ -227,9 +227,10 @@ TEST(WindowSplitter, ReleasingStoresAWidthThatFitsAtOnce) {
 
 TEST(Wiring, EveryNameOfTheTableIsAControl) {
     Screen screen;
-    for (const Wire& wire : wires())
-        if (!wire.control.empty())
-            EXPECT_NE(find_control(screen, wire.control, 0), nullptr) << wire.control;
+    for (const Wire& wire : wires()) {
+        if (wire.control.empty()) continue;
+        EXPECT_NE(find_control(screen, wire.control, 0), nullptr) << wire.control;
+    }
 }
 
 TEST(Wiring, NoEventStandsInTheTableTwice) {
@@ -302,7 +303,7 @@ TEST(Wiring, DuringAJobNeitherModelNorImageChanges) {
         ASSERT_TRUE(window.frm.session.Running);
         EXPECT_FALSE(s.TreeViewDevice.Visible);
         window.frm.images.AP_Buffer.Bytes[5] = 0x55;
-        choose_key(s.TreeViewDevice, "VKM26H5410E");
+        choose_key(s.TreeViewDevice, "VKM26H2052");
         window.click(s.TreeViewDevice);
         window.dialogs.choose_file("/bench/other.bin");
         window.click(s.comLoadFile);

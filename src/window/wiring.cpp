@@ -37,6 +37,10 @@ void Drop_File(frmMain& frm, Event event) {
     if (!frm.session.Running && frm.screen.comLoadFile.Enabled) Open_Dropped_File(frm, event.Text);
 }
 
+void Toggle_Device_Tree(frmMain& frm) {
+    frm.screen.TreeViewDevice.Visible ? Close_Device_Tree(frm) : Open_Device_Tree(frm);
+}
+
 void Tree_Key(frmMain& frm, Event event) {
     if (event.Key == escape_key) Close_Device_Tree(frm);
 }
@@ -46,7 +50,7 @@ using enum EventKind;
 // clang-format off
 constexpr Wire wire_table[] = {
     // Step 1: model
-    {"Command3",                 Click,   run_between_jobs<Open_Device_Tree>},
+    {"Command3",                 Click,   run_between_jobs<Toggle_Device_Tree>},
     {"TreeViewDevice",           Click,   run_between_jobs<Device_Node_Click>},
     {"TreeViewDevice",           KeyDown, Tree_Key},
     // Step 2: files
@@ -88,8 +92,9 @@ constexpr Wire wire_table[] = {
 // The tree lies over the box until a choice is made: a click anywhere else (the
 // grounds of the steps included) closes it, as losing the focus does.
 bool closes_tree(const frmMain& frm, Event event) {
-    return frm.screen.TreeViewDevice.Visible && event.Kind == Click && event.Source &&
-           event.Source != &frm.screen.TreeViewDevice;
+    const Screen& screen = frm.screen;
+    return screen.TreeViewDevice.Visible && event.Kind == Click && event.Source &&
+           event.Source != &screen.TreeViewDevice && event.Source != &screen.Command3;
 }
 
 void wire_timers(Timers& timers) {
