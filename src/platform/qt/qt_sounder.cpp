@@ -1,0 +1,12 @@
+#include "platform/qt/qt_sounder.h"
+
+#include <QApplication>
+
+namespace vkm {
+
+void QtSounder::beep() {
+    ++beeps_;
+    QApplication::beep();
+}
+
+}  // namespace vkm
