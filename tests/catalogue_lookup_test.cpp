@@ -21,35 +21,44 @@ struct CodeCase {
     std::int32_t y;
 };
 
-class FindCode : public testing::TestWithParam<CodeCase> {};
+constexpr CodeCase code_cases[] = {{"56", "VKM47W516AD", 1, 0},
+                                   {"58", "VKM47W58AD", 1, 2},
+                                   {"52", "VKM47W52AD", 1, 4},
+                                   {"F001", "VKM47H51RB", 2, 0},
+                                   {"F110", "VKM47H516RK+", 2, 7},
+                                   {"F235", "VKM26W5052AD", 3, 23},
+                                   {"F301", "VKM26H5401", 4, 0},
+                                   {"F326", "VKM26W5406", 4, 17},
+                                   {"F33C", "VKM26W5412AD", 4, 27},
+                                   {"E001", "VKM26H5401", 5, 0},
+                                   {"E01C", "VKM26H5428", 5, 31},
+                                   {"F43F", "VKM27J060U2", 6, 31},
+                                   // blanks at the ends don't count
+                                   {"  F001 ", "VKM47H51RB", 2, 0},
+                                   {" 56 ", "VKM47W516AD", 1, 0},
+                                   // an empty code is that of the first empty row
+                                   {"", "", 2, 16},
+                                   {"   ", "", 2, 16},
+                                   // no code of a row that the walk passes
+                                   {"FF", "", 32767, 32767},
+                                   {"F336", "", 32767, 32767},
+                                   {"5656", "", 32767, 32767},
+                                   {"F0", "", 32767, 32767},
+                                   {"f001", "", 32767, 32767},
+                                   {"F0011", "", 32767, 32767},
+                                   {"F00", "", 32767, 32767},
+                                   {"0001", "", 32767, 32767},
+                                   {"F0 1", "", 32767, 32767}};
 
-TEST_P(FindCode, GivesTheFirstModelOfTheWalkAndItsPlace) {
-    const CodePlace place = Find_Code(GetParam().code);
-    EXPECT_EQ(place.name, GetParam().name);
-    EXPECT_EQ(place.x, GetParam().x);
-    EXPECT_EQ(place.y, GetParam().y);
+TEST(FindCode, GivesTheFirstModelOfTheWalkAndItsPlace) {
+    for (const CodeCase& wanted : code_cases) {
+        SCOPED_TRACE(wanted.code);
+        const CodePlace place = Find_Code(wanted.code);
+        EXPECT_EQ(place.name, wanted.name);
+        EXPECT_EQ(place.x, wanted.x);
+        EXPECT_EQ(place.y, wanted.y);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Codes, FindCode,
-    testing::Values(CodeCase{"56", "VKM47W516AD", 1, 0}, CodeCase{"58", "VKM47W58AD", 1, 2},
-                    CodeCase{"52", "VKM47W52AD", 1, 4}, CodeCase{"F001", "VKM47H51RB", 2, 0},
-                    CodeCase{"F110", "VKM47H516RK+", 2, 7}, CodeCase{"F235", "VKM26W5052AD", 3, 23},
-                    CodeCase{"F301", "VKM26H5401", 4, 0}, CodeCase{"F326", "VKM26W5406", 4, 17},
-                    CodeCase{"F33C", "VKM26W5412AD", 4, 27}, CodeCase{"E001", "VKM26H5401", 5, 0},
-                    CodeCase{"E01C", "VKM26H5428", 5, 31}, CodeCase{"F43F", "VKM27J060U2", 6, 31},
-                    // blanks at the ends don't count
-                    CodeCase{"  F001 ", "VKM47H51RB", 2, 0}, CodeCase{" 56 ", "VKM47W516AD", 1, 0},
-                    // an empty code is that of the first empty row
-                    CodeCase{"", "", 2, 16}, CodeCase{"   ", "", 2, 16}));
-
-INSTANTIATE_TEST_SUITE_P(
-    NoCodes, FindCode,
-    testing::Values(CodeCase{"FF", "", 32767, 32767}, CodeCase{"F336", "", 32767, 32767},
-                    CodeCase{"5656", "", 32767, 32767}, CodeCase{"F0", "", 32767, 32767},
-                    CodeCase{"f001", "", 32767, 32767}, CodeCase{"F0011", "", 32767, 32767},
-                    CodeCase{"F00", "", 32767, 32767}, CodeCase{"0001", "", 32767, 32767},
-                    CodeCase{"F0 1", "", 32767, 32767}));
 
 TEST(FindCodeWalk, HidesTheRowsWhoseCodeAnEarlierRowBears) {
     std::set<std::pair<int, int>> unreached;
@@ -145,31 +154,38 @@ struct OlderCase {
     const char* low;
 };
 
-class OlderCodeOf : public testing::TestWithParam<OlderCase> {};
+constexpr OlderCase older_cases[] = {{"0001", "VKM47W51RB", "F0", "01"},
+                                     {"0002", "VKM47W52RB", "F0", "02"},
+                                     {"0003", "VKM47W53RB", "F0", "04"},
+                                     {"0004", "VKM47W54RK+", "F1", "04"},
+                                     {"0005", "VKM47W58RK+", "F1", "08"},
+                                     {"0006", "VKM47W516RK+", "F1", "10"},
+                                     {"4001", "VKM47H51RB", "F0", "01"},
+                                     {"4002", "VKM47H52RB", "F0", "02"},
+                                     {"4003", "VKM47H53RB", "F0", "04"},
+                                     {"4004", "VKM47H54RK+", "F1", "04"},
+                                     {"4005", "VKM47H58RK+", "F1", "08"},
+                                     {"4006", "VKM47H516RK+", "F1", "10"},
+                                     {"0051", "VKM47H/W51RB", "F0", "01"},
+                                     {"0052", "VKM47H/W52RB", "F0", "02"},
+                                     {"0053", "VKM47H/W53RB", "F0", "04"},
+                                     {"0054", "VKM47H/W54RK+", "F1", "04"},
+                                     {"0058", "VKM47H/W58RK+", "F1", "08"},
+                                     {"0516", "VKM47H/W516RK+", "F1", "10"},
+                                     {"F001", "", "", ""},
+                                     {"0007", "", "", ""},
+                                     {"", "", "", ""},
+                                     {"1", "", "", ""}};
 
-TEST_P(OlderCodeOf, GivesTheNameAndTheNewerCode) {
-    const OlderCode code = find_older_code(GetParam().reported);
-    EXPECT_EQ(code.Chip_Name, GetParam().name);
-    EXPECT_EQ(code.Chip_ID_High, GetParam().high);
-    EXPECT_EQ(code.Chip_ID_Low, GetParam().low);
+TEST(OlderCodeOf, GivesTheNameAndTheNewerCode) {
+    for (const OlderCase& wanted : older_cases) {
+        SCOPED_TRACE(wanted.reported);
+        const OlderCode code = find_older_code(wanted.reported);
+        EXPECT_EQ(code.Chip_Name, wanted.name);
+        EXPECT_EQ(code.Chip_ID_High, wanted.high);
+        EXPECT_EQ(code.Chip_ID_Low, wanted.low);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Early, OlderCodeOf,
-    testing::Values(
-        OlderCase{"0001", "VKM47W51RB", "F0", "01"}, OlderCase{"0002", "VKM47W52RB", "F0", "02"},
-        OlderCase{"0003", "VKM47W53RB", "F0", "04"}, OlderCase{"0004", "VKM47W54RK+", "F1", "04"},
-        OlderCase{"0005", "VKM47W58RK+", "F1", "08"}, OlderCase{"0006", "VKM47W516RK+", "F1", "10"},
-        OlderCase{"4001", "VKM47H51RB", "F0", "01"}, OlderCase{"4002", "VKM47H52RB", "F0", "02"},
-        OlderCase{"4003", "VKM47H53RB", "F0", "04"}, OlderCase{"4004", "VKM47H54RK+", "F1", "04"},
-        OlderCase{"4005", "VKM47H58RK+", "F1", "08"}, OlderCase{"4006", "VKM47H516RK+", "F1", "10"},
-        OlderCase{"0051", "VKM47H/W51RB", "F0", "01"},
-        OlderCase{"0052", "VKM47H/W52RB", "F0", "02"},
-        OlderCase{"0053", "VKM47H/W53RB", "F0", "04"},
-        OlderCase{"0054", "VKM47H/W54RK+", "F1", "04"},
-        OlderCase{"0058", "VKM47H/W58RK+", "F1", "08"},
-        OlderCase{"0516", "VKM47H/W516RK+", "F1", "10"}, OlderCase{"F001", "", "", ""},
-        OlderCase{"0007", "", "", ""}, OlderCase{"", "", "", ""}, OlderCase{"1", "", "", ""}));
 
 struct RangeCase {
     const char* name;
@@ -177,32 +193,38 @@ struct RangeCase {
     std::int32_t shown_end;
 };
 
-class IspRangeOf : public testing::TestWithParam<RangeCase> {};
+constexpr RangeCase range_cases[] = {
+    // family 0: the top of the code
+    {"VKM47H516RK", 65536, 65535},
+    {"VKM47H58RK", 57344, 32767},
+    // families 1 and 2: 1 KB below the top, 2 KB for four models
+    {"VKM47W516AD", 64512, 64511},
+    {"VKM47W52AD", 64512, 8191},
+    {"VKM47H516RK+", 63488, 63487},
+    {"VKM47H61RK+", 62464, 62463},
+    {"VKM47W55RK+", 62464, 20479},
+    {"VKM47H53RB", 14336, 14335},
+    {"VKM47H54RK+", 63488, 16383},
+    // families 3 and 4: fixed
+    {"VKM26H0552", 5120, 511},
+    {"VKM26H5052", 5120, 5119},
+    {"VKM26H5401", 12288, 1023},
+    {"VKM26H5424", 12288, 24574},
+    {"26H/W54xx Series", 12288, 28671},
+    // family 6: no rule
+    {"VKM27J008", 0, 8191},
+    {"VKM27J060U2", 0, 61439}};
 
-TEST_P(IspRangeOf, FollowsFromTheFamilyAndTheName) {
-    const auto record = record_by_name(GetParam().name);
-    ASSERT_TRUE(record);
-    const IspRange range = isp_range(*record, GetParam().name);
-    EXPECT_EQ(range.ISP_Start, GetParam().ISP_Start);
-    EXPECT_EQ(range.shown_end, GetParam().shown_end);
+TEST(IspRangeOf, FollowsFromTheFamilyAndTheName) {
+    for (const RangeCase& wanted : range_cases) {
+        SCOPED_TRACE(wanted.name);
+        const auto record = record_by_name(wanted.name);
+        ASSERT_TRUE(record);
+        const IspRange range = isp_range(*record, wanted.name);
+        EXPECT_EQ(range.ISP_Start, wanted.ISP_Start);
+        EXPECT_EQ(range.shown_end, wanted.shown_end);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Models, IspRangeOf,
-    testing::Values(
-        // family 0: the top of the code
-        RangeCase{"VKM47H516RK", 65536, 65535}, RangeCase{"VKM47H58RK", 57344, 32767},
-        // families 1 and 2: 1 KB below the top, 2 KB for four models
-        RangeCase{"VKM47W516AD", 64512, 64511}, RangeCase{"VKM47W52AD", 64512, 8191},
-        RangeCase{"VKM47H516RK+", 63488, 63487}, RangeCase{"VKM47H61RK+", 62464, 62463},
-        RangeCase{"VKM47W55RK+", 62464, 20479}, RangeCase{"VKM47H53RB", 14336, 14335},
-        RangeCase{"VKM47H54RK+", 63488, 16383},
-        // families 3 and 4: fixed
-        RangeCase{"VKM26H0552", 5120, 511}, RangeCase{"VKM26H5052", 5120, 5119},
-        RangeCase{"VKM26H5401", 12288, 1023}, RangeCase{"VKM26H5424", 12288, 24574},
-        RangeCase{"26H/W54xx Series", 12288, 28671},
-        // family 6: no rule
-        RangeCase{"VKM27J008", 0, 8191}, RangeCase{"VKM27J060U2", 0, 61439}));
 
 TEST(IspRangeOfRecord, GoesByTheChosenNameForTheSizeOfTheBootBlock) {
     const auto record = record_by_name("VKM47H61RK+");

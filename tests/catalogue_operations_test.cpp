@@ -114,27 +114,24 @@ struct ShownCase {
     const char* end;
 };
 
-class ShownRange : public testing::TestWithParam<ShownCase> {};
+constexpr ShownCase shown_cases[] = {
+    {"VKM47H516RK", 65536, "FFFF"}, {"VKM47W516AD", 64512, "FBFF"}, {"VKM47H516RK+", 63488, "F7FF"},
+    {"VKM47H61RK+", 62464, "F3FF"}, {"VKM47H53RB", 14336, "37FF"},  {"VKM47H51RB", 14336, "0FFF"},
+    {"VKM26H0552", 5120, "01FF"},   {"VKM26H5424", 12288, "5FFE"},  {"VKM27J016", 0, "3FFF"}};
 
-TEST_P(ShownRange, StandsInTheBoxesInFourDigits) {
-    VirtualWorld world;
-    frmMain& frm = world.frm;
-    frm.screen.txtDevice.Text = GetParam().name;
-    Find_Model(frm, GetParam().name, frm.catalogue.MCU_Info);
-    Show_ISP_Range(frm);
-    EXPECT_EQ(frm.catalogue.MCU_Info.ISP_Start, GetParam().ISP_Start);
-    EXPECT_EQ(frm.screen.txtISP_reange[0].Text, "0000");
-    EXPECT_EQ(frm.screen.txtISP_reange[1].Text, GetParam().end);
+TEST(ShownRange, StandsInTheBoxesInFourDigits) {
+    for (const ShownCase& wanted : shown_cases) {
+        SCOPED_TRACE(wanted.name);
+        VirtualWorld world;
+        frmMain& frm = world.frm;
+        frm.screen.txtDevice.Text = wanted.name;
+        Find_Model(frm, wanted.name, frm.catalogue.MCU_Info);
+        Show_ISP_Range(frm);
+        EXPECT_EQ(frm.catalogue.MCU_Info.ISP_Start, wanted.ISP_Start);
+        EXPECT_EQ(frm.screen.txtISP_reange[0].Text, "0000");
+        EXPECT_EQ(frm.screen.txtISP_reange[1].Text, wanted.end);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Models, ShownRange,
-    testing::Values(ShownCase{"VKM47H516RK", 65536, "FFFF"},
-                    ShownCase{"VKM47W516AD", 64512, "FBFF"},
-                    ShownCase{"VKM47H516RK+", 63488, "F7FF"},
-                    ShownCase{"VKM47H61RK+", 62464, "F3FF"}, ShownCase{"VKM47H53RB", 14336, "37FF"},
-                    ShownCase{"VKM47H51RB", 14336, "0FFF"}, ShownCase{"VKM26H0552", 5120, "01FF"},
-                    ShownCase{"VKM26H5424", 12288, "5FFE"}, ShownCase{"VKM27J016", 0, "3FFF"}));
 
 TEST(ShownRangeOfTheChoice, GoesByTheTextOfTheModelBox) {
     VirtualWorld world;
