@@ -1,46 +1,11 @@
 #include "support/virtual_port.h"
 
-#include <charconv>
-#include <cstdlib>
+#include "platform/port_settings.h"
 
 namespace vkm::test {
-namespace {
-
-std::optional<int> whole_number(std::string_view text) {
-    int value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) return {};
-    return value;
-}
-
-}  // namespace
-
-std::optional<PortSettings> parse_settings(std::string_view text) {
-    std::vector<std::string_view> fields;
-    for (;;) {
-        const auto comma = text.find(',');
-        fields.push_back(text.substr(0, comma));
-        if (comma == std::string_view::npos) break;
-        text.remove_prefix(comma + 1);
-    }
-    if (fields.size() != 4) return {};
-    const auto baud = whole_number(fields[0]);
-    const auto data_bits = whole_number(fields[2]);
-    if (!baud || *baud <= 0) return {};
-    if (fields[1] != "n" && fields[1] != "e" && fields[1] != "o") return {};
-    if (!data_bits || *data_bits < 5 || *data_bits > 8) return {};
-    PortSettings settings{*baud, fields[1][0], *data_bits, 1};
-    if (fields[3] == "1.5")
-        settings.stop_bits = 1.5;
-    else if (fields[3] == "2")
-        settings.stop_bits = 2;
-    else if (fields[3] != "1")
-        return {};
-    return settings;
-}
 
 bool VirtualPort::set_settings(std::string_view settings) {
-    const auto wanted = parse_settings(settings);
+    const auto wanted = parse_port_settings(settings);
     if (!wanted) return false;
     if (open_) {
         if (refused_baud.contains(wanted->baud)) return false;
@@ -61,7 +26,7 @@ int VirtualPort::open() {
     if (!present.contains(number_)) return error_missing;
     const auto error = open_error.find(number_);
     if (error != open_error.end()) return error->second;
-    if (refused_baud.contains(parse_settings(settings_)->baud)) return error_refused;
+    if (refused_baud.contains(parse_port_settings(settings_)->baud)) return error_refused;
     open_ = true;
     open_number_ = number_;
     ++openings;
@@ -106,7 +71,7 @@ void VirtualPort::wait_for_output() {
 
 void VirtualPort::listen(const std::string& settings) {
     settings_in_force.push_back(settings);
-    line_.host_listens(loop_.now(), parse_settings(settings)->baud);
+    line_.host_listens(loop_.now(), parse_port_settings(settings)->baud);
 }
 
 }  // namespace vkm::test

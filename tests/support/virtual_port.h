@@ -3,7 +3,6 @@
 #pragma once
 
 #include <map>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -18,15 +17,6 @@ inline constexpr int error_missing = 2;   // there is no such port
 inline constexpr int error_denied = 13;   // it is there, and not for this user
 inline constexpr int error_busy = 16;     // another program has it, or it is open already
 inline constexpr int error_refused = 22;  // the device doesn't take these settings
-
-// The parts of a settings text; nothing when it is none.
-struct PortSettings {
-    int baud = 0;
-    char parity = 'n';
-    int data_bits = 8;
-    double stop_bits = 1;
-};
-std::optional<PortSettings> parse_settings(std::string_view text);
 
 // One call of write().
 struct Written {
