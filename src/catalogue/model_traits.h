@@ -23,7 +23,7 @@ std::int32_t isp_size(std::string_view model);
 bool has_memory_hole(std::string_view model);
 
 // The 47W516AD and 47W516X2: one two-digit code for both, so that either stands
-// for the other, and the firmware may sit inside the 64 KB.
+// for the other; large firmware takes room from their program area.
 bool is_W516(std::string_view model);
 
 // Chosen is the collective entry series_54xx.
