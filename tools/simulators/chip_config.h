@@ -34,9 +34,9 @@ struct ChipConfig {
     int status_length = 0;      // length field of the status frame, at least 24; 0: usual one
     std::uint8_t feature = 0;   // feature byte of long status frames; bits 1 and 0 tell the size of
                                 // the firmware, bit 7 that noise precedes its answers
-    std::optional<std::vector<std::uint8_t>> id;  // ID bytes instead of the model's
-    std::optional<OptionBytes> options;           // instead of those a chip is delivered with
-    bool short_acks = false;                      // block answers without the data sum
+    std::optional<std::vector<std::uint8_t>> id{};  // ID bytes instead of the model's
+    std::optional<OptionBytes> options{};           // instead of those a chip is delivered with
+    bool short_acks = false;                        // block answers without the data sum
 
     std::chrono::microseconds turnaround{300};   // from a frame's end to its answer
     std::chrono::microseconds block_time{1000};  // programming one frame's data
@@ -45,11 +45,11 @@ struct ChipConfig {
     std::chrono::milliseconds listen_window{0};  // without pulses for so long after power-up, the
                                                  // user program starts; 0: it listens for ever
     Instant powered_at{};  // cold until then; `never`: until power_on is called
-    AfterStart after_start;
+    AfterStart after_start{};
 
     int option_busy = 0;           // so many option writes are answered "busy" (81) first; -1: all
     std::uint8_t option_flaw = 0;  // XORed onto the first option byte that is stored
-    FaultPlan faults;
+    FaultPlan faults{};
 };
 
 }  // namespace vkm::sim

@@ -49,7 +49,7 @@ struct Fault {
     std::int64_t value = 0;  // by kind, above
     std::uint8_t mask = 0x01;
     int extra = 0;
-    std::vector<std::uint8_t> bytes;
+    std::vector<std::uint8_t> bytes{};
 };
 
 using FaultPlan = std::vector<Fault>;
