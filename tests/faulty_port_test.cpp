@@ -34,7 +34,7 @@ class FaultyPortTest : public testing::Test {
         run_for(milliseconds(1));
     }
     // What the far end hears of two frames when the second meets this fault.
-    Bytes heard_with(Fault fault) {
+    Bytes heard_with(PortFault fault) {
         port.fault_frame(2, fault);
         port.write(Bytes{1, 2, 3, 4});
         run_for(milliseconds(1));
@@ -44,7 +44,7 @@ class FaultyPortTest : public testing::Test {
         return heard;
     }
     // What the program reads of an answer whose second byte meets this fault.
-    Bytes read_with(Fault fault) {
+    Bytes read_with(PortFault fault) {
         port.fault_byte(2, fault);
         answer({1, 2, 3});
         return port.read();
@@ -68,56 +68,56 @@ TEST_F(FaultyPortTest, WithoutFaultsEverythingPasses) {
 }
 
 TEST_F(FaultyPortTest, AFrameIsLost) {
-    EXPECT_EQ(heard_with(Fault::lose), Bytes{});
+    EXPECT_EQ(heard_with(PortFault::lose), Bytes{});
 }
 
 TEST_F(FaultyPortTest, AFrameIsDamaged) {
-    EXPECT_EQ(heard_with(Fault::damage), (Bytes{5, 6, 7 ^ 0x10, 8}));
+    EXPECT_EQ(heard_with(PortFault::damage), (Bytes{5, 6, 7 ^ 0x10, 8}));
 }
 
 TEST_F(FaultyPortTest, AFrameComesTwice) {
-    EXPECT_EQ(heard_with(Fault::twice), (Bytes{5, 6, 7, 8, 5, 6, 7, 8}));
+    EXPECT_EQ(heard_with(PortFault::twice), (Bytes{5, 6, 7, 8, 5, 6, 7, 8}));
 }
 
 TEST_F(FaultyPortTest, AFrameIsCutOff) {
-    EXPECT_EQ(heard_with(Fault::cut_off), (Bytes{5, 6}));
+    EXPECT_EQ(heard_with(PortFault::cut_off), (Bytes{5, 6}));
 }
 
 TEST_F(FaultyPortTest, AFrameComesLate) {
     port.delay = milliseconds(30);
-    EXPECT_EQ(heard_with(Fault::late), Bytes{});
+    EXPECT_EQ(heard_with(PortFault::late), Bytes{});
     run_for(milliseconds(30));
     EXPECT_EQ(heard, (Bytes{5, 6, 7, 8}));
     EXPECT_EQ(port.struck, 1);
 }
 
 TEST_F(FaultyPortTest, AnAnswersByteIsLost) {
-    EXPECT_EQ(read_with(Fault::lose), (Bytes{1, 3}));
+    EXPECT_EQ(read_with(PortFault::lose), (Bytes{1, 3}));
 }
 
 TEST_F(FaultyPortTest, AnAnswersByteIsDamaged) {
-    EXPECT_EQ(read_with(Fault::damage), (Bytes{1, 3, 3}));
+    EXPECT_EQ(read_with(PortFault::damage), (Bytes{1, 3, 3}));
 }
 
 TEST_F(FaultyPortTest, AnAnswersByteComesTwice) {
-    EXPECT_EQ(read_with(Fault::twice), (Bytes{1, 2, 2, 3}));
+    EXPECT_EQ(read_with(PortFault::twice), (Bytes{1, 2, 2, 3}));
 }
 
 TEST_F(FaultyPortTest, AnAnswerIsCutOffAndTheNextIsWhole) {
-    EXPECT_EQ(read_with(Fault::cut_off), Bytes{1});
+    EXPECT_EQ(read_with(PortFault::cut_off), Bytes{1});
     run_for(port.delay);
     answer({7, 8});
     EXPECT_EQ(port.read(), (Bytes{7, 8}));
 }
 
 TEST_F(FaultyPortTest, AnAnswersByteComesLateAndWakesTheLoop) {
-    EXPECT_EQ(read_with(Fault::late), (Bytes{1, 3}));
+    EXPECT_EQ(read_with(PortFault::late), (Bytes{1, 3}));
     world.loop.turn(never);
     EXPECT_EQ(port.read(), Bytes{2});
 }
 
 TEST_F(FaultyPortTest, ThePulsesThatSeekAChipAreNoFrames) {
-    port.fault_frame(1, Fault::lose);
+    port.fault_frame(1, PortFault::lose);
     for (int i = 0; i < 5; ++i) port.write(Bytes{0x7F, 0x7F});
     EXPECT_EQ(port.frames, 0);
     port.write(Bytes{1, 2, 3});
@@ -127,7 +127,7 @@ TEST_F(FaultyPortTest, ThePulsesThatSeekAChipAreNoFrames) {
 }
 
 TEST_F(FaultyPortTest, ResetTakesTheFaultsAwayAndCountsAnew) {
-    heard_with(Fault::lose);
+    heard_with(PortFault::lose);
     port.reset();
     EXPECT_EQ(port.frames, 0);
     EXPECT_EQ(port.struck, 0);

@@ -21,20 +21,20 @@ void FaultyPort::write(std::span<const std::uint8_t> frame) {
     ++struck;
     std::vector<std::uint8_t> changed(frame.begin(), frame.end());
     switch (fault->second) {
-        case Fault::lose:
+        case PortFault::lose:
             break;
-        case Fault::damage:
+        case PortFault::damage:
             changed[changed.size() / 2] ^= 0x10;
             below_.write(changed);
             break;
-        case Fault::twice:
+        case PortFault::twice:
             below_.write(frame);
             below_.write(frame);
             break;
-        case Fault::late:
+        case PortFault::late:
             loop_.after(delay, [this, changed] { below_.write(changed); });
             break;
-        case Fault::cut_off:
+        case PortFault::cut_off:
             below_.write(frame.first(frame.size() / 2));
             break;
     }
@@ -52,20 +52,20 @@ void FaultyPort::take_in() {
         }
         ++struck;
         switch (fault->second) {
-            case Fault::lose:
+            case PortFault::lose:
                 break;
-            case Fault::damage:
+            case PortFault::damage:
                 input_.push_back(byte ^ 0x01);
                 break;
-            case Fault::twice:
+            case PortFault::twice:
                 input_.insert(input_.end(), 2, byte);
                 break;
-            case Fault::late:
+            case PortFault::late:
                 loop_.after(delay, [this, byte] {
                     if (is_open()) input_.push_back(byte);
                 });
                 break;
-            case Fault::cut_off:
+            case PortFault::cut_off:
                 cut_off_until_ = loop_.now() + delay;
                 break;
         }

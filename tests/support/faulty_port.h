@@ -36,7 +36,7 @@ class ForwardingPort : public SerialPort {
     SerialPort& below_;
 };
 
-enum class Fault {
+enum class PortFault {
     lose,    // it never comes
     damage,  // a bit of it is turned over: of a frame its middle byte, of a byte bit 0
     twice,   // it comes twice
@@ -52,8 +52,8 @@ class FaultyPort final : public ForwardingPort {
     FaultyPort(SerialPort& below, VirtualLoop& loop) : ForwardingPort(below), loop_(loop) {}
 
     // ---- the test's side ------------------------------------------------------
-    void fault_frame(int nth, Fault fault) { frame_faults_[nth] = fault; }
-    void fault_byte(int nth, Fault fault) { byte_faults_[nth] = fault; }
+    void fault_frame(int nth, PortFault fault) { frame_faults_[nth] = fault; }
+    void fault_byte(int nth, PortFault fault) { byte_faults_[nth] = fault; }
     Microseconds delay = std::chrono::milliseconds(20);
     void reset();
 
@@ -73,8 +73,8 @@ class FaultyPort final : public ForwardingPort {
     void take_in();
 
     VirtualLoop& loop_;
-    std::map<int, Fault> frame_faults_;
-    std::map<int, Fault> byte_faults_;
+    std::map<int, PortFault> frame_faults_;
+    std::map<int, PortFault> byte_faults_;
     std::deque<std::uint8_t> input_;
     Instant cut_off_until_{};  // bytes that came in up to then are lost
     int read_length_ = 0;
