@@ -1,0 +1,287 @@
+"""A bench of simulated chips and the robot at the tool's window.
+
+Scenarios are functions that take a Bench; run_scenarios() runs those that are
+named on the command line, several at a time, and tells which failed and why.
+Python's standard library alone.
+"""
+
+import concurrent.futures
+import itertools
+import json
+import os
+import pathlib
+import queue
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import traceback
+
+BUILD = pathlib.Path(os.environ.get("VKM_BUILD", "."))
+SHOTS = BUILD / "robot-shots"
+ANSWER_LIMIT_S = 30  # any command but wait and idle answers at once
+
+
+class Failed(Exception):
+    """What a scenario found wrong, in words."""
+
+
+def expect(condition, message):
+    if not condition:
+        raise Failed(message)
+
+
+def expect_equal(found, expected, what):
+    expect(found == expected, f"{what}: {found!r} instead of {expected!r}")
+
+
+class Process:
+    """A program whose output lines can be waited for."""
+
+    def __init__(self, arguments, environment=None):
+        self.arguments = [str(argument) for argument in arguments]
+        self.output = []
+        self.lines = queue.Queue()
+        self.popen = subprocess.Popen(
+            self.arguments,
+            stdin=subprocess.PIPE,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.STDOUT,
+            env=environment,
+        )
+        threading.Thread(target=self._read, daemon=True).start()
+
+    def _read(self):
+        for line in self.popen.stdout:
+            text = line.decode("utf-8", "replace").rstrip("\n")
+            self.output.append(text)
+            self.lines.put(text)
+        self.lines.put(None)
+
+    def next_line(self, limit_s):
+        try:
+            line = self.lines.get(timeout=limit_s)
+        except queue.Empty:
+            raise Failed(f"{self.arguments[0]} said nothing for {limit_s} s") from None
+        if line is None:
+            raise Failed(
+                f"{self.arguments[0]} ended with {self.popen.wait()}:\n" + "\n".join(self.output[-30:])
+            )
+        return line
+
+    def write_line(self, text):
+        self.popen.stdin.write(text.encode("utf-8") + b"\n")
+        self.popen.stdin.flush()
+
+    def kill(self):
+        self.popen.kill()
+        self.popen.wait()
+
+
+class Robot(Process):
+    """vkm_robot; every command of it is a method."""
+
+    def __init__(self, settings=None, ports=None, folder=None, size="1200x800"):
+        arguments = [BUILD / "vkm_robot", "--size", size]
+        if settings:
+            arguments += ["--settings", settings]
+        for number, device in (ports or {}).items():
+            arguments += ["--port", f"{number}={device}"]
+        if folder:
+            arguments += ["--program-folder", folder]
+        environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", LC_ALL="C.UTF-8")
+        super().__init__(arguments, environment)
+        expect_equal(self._answer(ANSWER_LIMIT_S), {"ok": True, "ready": True}, "first line")
+
+    def _answer(self, limit_s):
+        while True:
+            line = self.next_line(limit_s)
+            try:
+                return json.loads(line)
+            except json.JSONDecodeError:
+                continue  # a remark of the toolkit
+
+    def try_do(self, command, limit_s=ANSWER_LIMIT_S, **fields):
+        """The whole answer, whether the command went well or not."""
+        self.write_line(json.dumps({"do": command, **fields}, ensure_ascii=False))
+        return self._answer(limit_s)
+
+    def do(self, command, limit_s=ANSWER_LIMIT_S, **fields):
+        answer = self.try_do(command, limit_s, **fields)
+        if not answer["ok"]:
+            raise Failed(f"{command} {fields}: {answer['error']}\nlog:{self.try_log()}")
+        return answer.get("value")
+
+    def error(self, command, **fields):
+        answer = self.try_do(command, **fields)
+        expect(not answer["ok"], f"{command} {fields} was carried out")
+        return answer["error"]
+
+    def click(self, on):
+        self.do("click", on=on)
+
+    def enter(self, on, text):
+        self.do("enter", on=on, text=text)
+
+    def choose(self, on, **entry):
+        self.do("choose", on=on, **entry)
+
+    def check(self, on, value=True):
+        self.do("check", on=on, value=value)
+
+    def get(self, on, property="Text"):
+        return self.do("get", on=on, property=property)
+
+    def value(self, name):
+        return self.do("value", name=name)
+
+    def wait(self, on, property, ms=5000, **condition):
+        return self.do("wait", ms / 1000 + ANSWER_LIMIT_S, on=on, property=property, ms=ms, **condition)
+
+    def idle(self, ms=60000):
+        self.do("idle", ms / 1000 + ANSWER_LIMIT_S, ms=ms)
+
+    def log(self):
+        return self.get("textMsg")
+
+    def try_log(self):
+        return self.try_do("get", on="textMsg", property="Text").get("value")
+
+    def boxes(self):
+        return self.do("boxes")
+
+    def settings(self):
+        return self.do("settings").get("Settings", {})
+
+    def shot(self, name):
+        SHOTS.mkdir(parents=True, exist_ok=True)
+        self.do("shot", path=str((SHOTS / f"{name}.png").resolve()))
+
+    def model(self, name):
+        """Chooses a model in the tree."""
+        self.choose("TreeViewDevice", key=name)
+        self.wait("txtDevice", "Text", equals=name)
+        # Half a second later the settings are saved and the ranges shown.
+        self.wait("TreeViewDevice", "Visible", equals=False)
+
+    def open_file(self, path, button="comLoadFile"):
+        self.do("file", path=str(path))
+        self.click(button)
+
+    def load(self, path):
+        """Opens a program file, and waits until it is loaded."""
+        self.open_file(path)
+        self.wait("txtFileCheckSum", "Text", not_equals="")
+
+    def quit(self):
+        """Closes the window as a person does; the exit status."""
+        self.do("close")
+        self.do("quit")
+        self.popen.stdin.close()
+        try:
+            return self.popen.wait(30)
+        except subprocess.TimeoutExpired:
+            raise Failed("the robot doesn't end") from None
+
+
+class Chip(Process):
+    """vkm-chip: a simulated chip on a pseudo-terminal."""
+
+    def __init__(self, model, **options):
+        arguments = [BUILD / "vkm-chip", "--model", model]
+        for name, value in options.items():
+            for each in value if isinstance(value, list) else [value]:
+                arguments += [f"--{name.replace('_', '-')}", each]
+        super().__init__(arguments)
+
+
+class Bench:
+    """A folder of its own, and whatever a scenario starts; all of it ends with it."""
+
+    def __init__(self, name):
+        self.name = name
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="vkm-robot-"))
+        self.settings = self.folder / "settings.ini"
+        self.started = []
+
+    def robot(self, **options):
+        options.setdefault("settings", self.settings)
+        options.setdefault("folder", self.folder)
+        robot = Robot(**options)
+        self.started.append(robot)
+        return robot
+
+    def chip(self, model, **options):
+        chip = Chip(model, **options)
+        self.started.append(chip)
+        return chip
+
+    def file(self, name, content):
+        path = self.folder / name
+        path.write_bytes(content)
+        return path
+
+    def close(self):
+        for process in self.started:
+            process.kill()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+
+def program(length, seed=1):
+    """Bytes that look like nothing: no two stretches of it are alike."""
+    value = seed * 2654435761 % 2**32
+    out = bytearray()
+    for _ in range(length):
+        value = (value * 1664525 + 1013904223) % 2**32
+        out.append(value >> 24)
+    return bytes(out)
+
+
+def hex_file(content, start=0, line=16):
+    """The content as an Intel HEX file."""
+    out = []
+    for at in range(0, len(content), line):
+        data = content[at : at + line]
+        address = start + at
+        record = bytes([len(data), address >> 8 & 0xFF, address & 0xFF, 0]) + data
+        out.append(":" + (record + bytes([-sum(record) & 0xFF])).hex().upper())
+    return ("\r\n".join(out + [":00000001FF"]) + "\r\n").encode()
+
+
+def _run(name, scenario):
+    began = time.monotonic()
+    bench = Bench(name)
+    try:
+        scenario(bench)
+        return name, None, time.monotonic() - began
+    except Exception as failure:
+        why = str(failure) if isinstance(failure, Failed) else traceback.format_exc()
+        return name, why, time.monotonic() - began
+    finally:
+        bench.close()
+
+
+def run_scenarios(scenarios):
+    """Runs the scenarios (name to function) that the command line names, or all."""
+    wanted = [word for word in sys.argv[1:] if not word.startswith("-")]
+    chosen = {
+        name: scenario
+        for name, scenario in scenarios.items()
+        if not wanted or any(name.startswith(word) for word in wanted)
+    }
+    at_once = int(os.environ.get("VKM_AT_ONCE", 2 * (os.cpu_count() or 1)))
+    failures = 0
+    with concurrent.futures.ThreadPoolExecutor(at_once) as pool:
+        running = [pool.submit(_run, name, scenario) for name, scenario in chosen.items()]
+        for done in concurrent.futures.as_completed(running):
+            name, why, seconds = done.result()
+            print(f"{'ok  ' if why is None else 'FAIL'} {name} ({seconds:.1f} s)", flush=True)
+            if why is not None:
+                failures += 1
+                print("     " + why.replace("\n", "\n     "), flush=True)
+    print(f"{len(chosen) - failures} of {len(chosen)} scenarios passed")
+    expect(chosen, "no such scenario")
+    return 1 if failures else 0

@@ -1,0 +1,36 @@
+// The operator in front of the boxes: every message box and file dialog that
+// comes up is answered by its own buttons, with the answer laid out beforehand
+// or else by its default (a file dialog: Cancel).
+#pragma once
+
+#include <QJsonArray>
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+
+class QFileDialog;
+class QMessageBox;
+
+namespace vkm::robot {
+
+class Box_Answers : public QObject {
+  public:
+    explicit Box_Answers(QObject* parent = nullptr);
+
+    void queue_box(const QString& answer);  // "ok", "yes" or "no", else a Refusal
+    void queue_file(const QString& path);   // an empty path cancels
+    QJsonArray boxes() const { return boxes_; }
+
+  protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+  private:
+    void answer_box(QMessageBox& box);
+    void answer_file(QFileDialog& dialog);
+
+    QStringList box_answers_;
+    QStringList file_answers_;
+    QJsonArray boxes_;
+};
+
+}  // namespace vkm::robot
