@@ -36,7 +36,8 @@ bool has_hex_digit(std::string_view pair) {
 HexLine read_hex_line(std::string_view digits, std::size_t length) {
     HexLine line;
     // The last field before the checksum. A line of odd length goes to the even number.
-    const std::int32_t last = round_half_even(static_cast<double>(length) / 2 - 2);
+    const std::int32_t last =
+        std::min(round_half_even(static_cast<double>(length) / 2 - 2), hex_line_fields);
     line.Last_Data_Field = std::min(last, hex_line_fields - 1);
     std::uint8_t sum = 0;
     for (std::int32_t i = 0; i <= line.Last_Data_Field; ++i) {

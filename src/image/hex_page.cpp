@@ -14,8 +14,9 @@ constexpr std::size_t row_length = 60;  // 58 characters and CR LF
 
 std::string hex_row(std::span<const std::uint8_t> bytes, std::int64_t first, std::int64_t last) {
     constexpr char digits[] = "0123456789ABCDEF";
-    std::string row = " " + hex_text(static_cast<std::uint64_t>(first), 6) + "   ";
+    std::string row;
     row.reserve(row_length);
+    row.append(1, ' ').append(hex_text(static_cast<std::uint64_t>(first), 6)).append(3, ' ');
     for (std::int64_t address = first; address <= last; ++address) {
         const std::uint8_t byte = bytes[static_cast<std::size_t>(address)];
         row += digits[byte >> 4];

@@ -6,7 +6,7 @@
 namespace vkm {
 namespace {
 
-constexpr std::size_t piece_size = 65536;
+constexpr std::size_t piece_size = 16384;
 
 }  // namespace
 
