@@ -4,7 +4,7 @@
 // reach the program.
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <ctime>
 
 #include "session/download_session.h"
 #include "support/virtual_bench.h"
@@ -39,17 +39,17 @@ TEST(VirtualBenchTest, AJobOfSixtyKilobytesTakesItsWireTimeInVirtualTimeAndHardl
     ASSERT_TRUE(bench.select_model("VKM47H516RK+")) << bench.log();
     const auto image = pattern(60'000);
     bench.load_bytes(image);
-    const auto begin = std::chrono::steady_clock::now();
+    const std::clock_t begin = std::clock();
     comDownload(bench.frm, 0);
-    const auto real = std::chrono::steady_clock::now() - begin;
+    const double seconds = static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
     EXPECT_TRUE(bench.frm.session.Program_OK) << bench.story();
     EXPECT_TRUE(flash_holds(bench, image));
     // 60000 bytes at 115200 baud are 5.2 s on the wire.
     EXPECT_GT(bench.elapsed_ms(), 5'200);
     EXPECT_LT(bench.elapsed_ms(), 30'000);
-    // Ten times what is needed, for builds that watch themselves.
-    EXPECT_LT(real, std::chrono::milliseconds(1500));
-    RecordProperty("real_ms", static_cast<int>(real / std::chrono::milliseconds(1)));
+    // Of processor time; it needs a hundredth of that in an ordinary build, and a
+    // build that watches itself needs more.
+    EXPECT_LT(seconds, 1.5);
 }
 
 TEST(VirtualBenchTest, AChipThatGetsPowerLaterIsWaitedFor) {
@@ -76,6 +76,18 @@ TEST(VirtualBenchTest, TheOperatorsStopComesIntoTheWait) {
     comDownload(bench.frm, 0);
     EXPECT_EQ(bench.frm.session.Result, Job_Result::stopped) << bench.story();
     EXPECT_NEAR(bench.elapsed_ms(), 5000, 1000);
+}
+
+TEST(VirtualBenchTest, AJobSucceedsOnASlowMachineWithASlowAdapterToo) {
+    VirtualBench bench({.model = "VKM47H58RK+"});
+    bench.loop.oversleep = std::chrono::milliseconds(15);
+    bench.line.latency = std::chrono::milliseconds(16);
+    ASSERT_TRUE(bench.select_model("VKM47H58RK+"));
+    const auto image = pattern(5000);
+    bench.load_bytes(image);
+    comDownload(bench.frm, 0);
+    EXPECT_TRUE(bench.frm.session.Program_OK) << bench.story();
+    EXPECT_TRUE(flash_holds(bench, image));
 }
 
 TEST(VirtualBenchTest, APortThatDoesNotWaitForItsOutputIsFoundOutByAJob) {

@@ -129,6 +129,21 @@ TEST_F(VirtualLineTest, AnAnswerIsInTheInputWhenItsStopBitsHaveEndedAndWakesTheL
     EXPECT_EQ(world.port.input_count(), 0u);
 }
 
+TEST_F(VirtualLineTest, AnAdapterHandsOnWhatItHasGathered) {
+    world.line.latency = milliseconds(16);
+    open("115200,n,8,1");
+    const Instant start = world.loop.now();
+    recorder.send(start + milliseconds(1), 115200, {1, 2, 3});
+    recorder.send(start + milliseconds(20), 115200, {4});
+    world.loop.turn(never);
+    EXPECT_EQ(world.port.read(), (Bytes{1, 2, 3}));
+    EXPECT_EQ(world.loop.now().time_since_epoch() % milliseconds(16), Microseconds(0));
+    EXPECT_GT(world.loop.now() - start, milliseconds(1));
+    world.loop.turn(never);
+    EXPECT_EQ(world.port.read(), Bytes{4});
+    EXPECT_GT(world.loop.now() - start, milliseconds(20));
+}
+
 TEST_F(VirtualLineTest, ReadLengthOneTakesASingleByte) {
     open("115200,n,8,1");
     recorder.send(world.loop.now(), 115200, {1, 2, 3});

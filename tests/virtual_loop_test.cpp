@@ -42,6 +42,16 @@ TEST(VirtualLoopTest, ASleepEndsWithWhatTheOperatorDoes) {
     EXPECT_EQ(world.elapsed_ms(), 300);
 }
 
+TEST(VirtualLoopTest, AMachineThatWakesLateOversleepsTimersAndNotTheOperator) {
+    VirtualWorld world;
+    world.loop.oversleep = milliseconds(15);
+    wait_ms(world.frm, 100);
+    EXPECT_EQ(world.elapsed_ms(), 115);
+    world.at(50, [] {});
+    world.loop.turn(world.loop.now() + milliseconds(100));
+    EXPECT_EQ(world.elapsed_ms(), 165);
+}
+
 TEST(VirtualLoopTest, AnActionMayTurnTheLoopItself) {
     VirtualWorld world;
     std::string order;

@@ -44,6 +44,7 @@ void VirtualLine::cut(Instant) {
     listening_ = false;
     queue_.clear();
     host_dropped_ = false;
+    gathered_.clear();
     input.clear();
     news_ = false;
 }
@@ -102,20 +103,35 @@ void VirtualLine::collect_output() {
     }
 }
 
-void VirtualLine::deliver(const sim::WireByte& byte) {
+Instant VirtualLine::reply_end() const {
+    if (replies_.empty()) return never;
+    return replies_.front().start + sim::wire_time(1, replies_.front().baud);
+}
+
+void VirtualLine::receive(const sim::WireByte& byte, Instant at) {
     if (!listening_ || byte.start < listening_since_) return;
     const auto heard = sim::as_heard(byte.value, byte.baud, baud_);
     if (!heard) return;
-    input.push_back(*heard);
+    if (gathered_.empty()) gathered_since_ = at;
+    gathered_.push_back(*heard);
+    if (latency <= Microseconds(0)) hand_over();
+}
+
+Instant VirtualLine::hand_over_time() const {
+    if (gathered_.empty()) return never;
+    const auto since = gathered_since_.time_since_epoch();
+    return Instant(since - since % latency + latency);
+}
+
+void VirtualLine::hand_over() {
+    input.insert(input.end(), gathered_.begin(), gathered_.end());
+    gathered_.clear();
     news_ = true;
 }
 
 Instant VirtualLine::next() {
     collect_output();
-    const Instant reply_end =
-        replies_.empty() ? never
-                         : replies_.front().start + sim::wire_time(1, replies_.front().baud);
-    return std::min({host_byte_end(), reply_end, target_due()});
+    return std::min({host_byte_end(), reply_end(), hand_over_time(), target_due()});
 }
 
 void VirtualLine::run(Instant until) {
@@ -134,11 +150,12 @@ void VirtualLine::run(Instant until) {
             ++run_sent_;
             if (host_dropped_ && queue_.empty()) host_dropped_ = false;
             if (target_.hear) target_.hear(at, value, baud_);
-        } else if (!replies_.empty() &&
-                   replies_.front().start + sim::wire_time(1, replies_.front().baud) == at) {
+        } else if (reply_end() == at) {
             const sim::WireByte byte = replies_.front();
             replies_.pop_front();
-            deliver(byte);
+            receive(byte, at);
+        } else if (hand_over_time() == at) {
+            hand_over();
         } else {
             target_.act(std::max(at, time_));
         }

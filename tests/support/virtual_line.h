@@ -52,6 +52,10 @@ class VirtualLine {
     // Whether bytes came in since the last call.
     bool take_news();
 
+    // How long an adapter gathers what it receives before it hands it on: at
+    // every multiple of this. 0 hands on each byte at once.
+    Microseconds latency{0};
+
     // ---- time; the loop calls these -----------------------------------------
 
     // When something happens next; `never` when the line is silent.
@@ -68,7 +72,10 @@ class VirtualLine {
     Instant host_byte_end() const;
     Instant target_due();
     void collect_output();
-    void deliver(const sim::WireByte& byte);
+    Instant reply_end() const;
+    Instant hand_over_time() const;
+    void receive(const sim::WireByte& byte, Instant at);
+    void hand_over();
 
     sim::Target target_;
     bool listening_ = false;
@@ -84,6 +91,8 @@ class VirtualLine {
 
     std::deque<sim::WireByte> replies_;
     Instant replies_end_{};
+    std::deque<std::uint8_t> gathered_;  // heard, and still in the adapter
+    Instant gathered_since_{};
     bool news_ = false;
     Instant time_{};
     int events_at_time_ = 0;

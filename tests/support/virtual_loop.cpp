@@ -14,6 +14,7 @@ void VirtualLoop::turn(Instant until) {
     happened = line_.take_news() || happened;
     if (happened || now_ >= until) return;
     ++sleeps;
+    if (until != never) until += oversleep;
     while (!happened && now_ < until) {
         Instant next = std::min(until, line_.next());
         if (!actions_.empty()) next = std::min(next, actions_.begin()->first);

@@ -46,6 +46,9 @@ class VirtualLoop final : public EventLoop {
     // to its port: nothing of the operator's happens.
     void let_line_run(Instant until);
 
+    // A machine that wakes late: a sleep that nothing else ends lasts that much longer.
+    Microseconds oversleep{0};
+
     // How far the clock may go before the test has failed.
     Microseconds time_limit = std::chrono::hours(2);
     // How many turns may pass without time passing.
