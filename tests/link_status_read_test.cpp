@@ -1,0 +1,149 @@
+// Reading a chip's options alone, and the status read.
+#include "link_bench.h"
+
+namespace vkm::test {
+namespace {
+
+using Bench = LinkBench;
+
+// ---- reading options alone ------------------------------------------------------------------
+
+TEST(ReadLock, ALongStatusFrameNeedsNoOtherFrame) {
+    Bench bench;
+    bench.frm.link.Check_Model = [](frmMain&) { return false; };
+    EXPECT_EQ(bench.run(true), 0);
+    EXPECT_EQ(bench.newbaud, -1);
+    EXPECT_TRUE(bench.frm.link.Status_Read_OK);
+    EXPECT_EQ(bench.chip.counters().frames, 0);
+    EXPECT_EQ(bench.port.settings(), "1200,n,8,1");
+    EXPECT_TRUE(bench.port.is_open());
+    EXPECT_EQ(bench.log(), "");
+}
+
+TEST(ReadLock, AShortStatusFrameIsFollowedByTheStatusRead) {
+    Bench bench({.model = "VKM47H58RK+", .status_length = 24});
+    EXPECT_EQ(bench.run(true), 0);
+    EXPECT_TRUE(bench.frm.link.Status_Read_OK);
+    EXPECT_EQ(bench.heard(FrameKind::status_read), 1);
+    EXPECT_EQ(bench.log(), "\r\nWe are Reading Chip Lock./ 正在读加密位,双倍速,版本号");
+    EXPECT_EQ(bench.frm.link.Chip_Letter, "C");
+    EXPECT_EQ(bench.frm.link.Chip_Version, "3.8");
+    EXPECT_EQ(bench.frm.options.Chip_Bytes[1], 0xFD);
+}
+
+TEST(ReadLock, FourReadsOfThreeTriesAreMade) {
+    for (const int lost : {11, 12}) {
+        Bench bench({.model = "VKM47H58RK+",
+                     .status_length = 24,
+                     .faults = {lose_reply(FrameKind::status_read, lost)}});
+        bench.run(true);
+        EXPECT_EQ(bench.heard(FrameKind::status_read), 12);
+        EXPECT_EQ(bench.frm.link.Status_Read_OK, lost == 11);
+        if (lost == 11)
+            EXPECT_EQ(bench.result, 0);
+        else
+            bench.expect_failure_told();
+    }
+}
+
+TEST(ReadLock, StopDuringTheStatusReadIsTold) {
+    Bench bench({.model = "VKM47H58RK+",
+                 .status_length = 24,
+                 .faults = {lose_reply(FrameKind::status_read, 0)}});
+    bench.stop_in(1'000);
+    bench.run(true);
+    bench.expect_stop_told();
+    EXPECT_LE(bench.heard(FrameKind::status_read), 4);
+}
+
+// ---- the status read ---------------------------------------------------------------------------
+
+// Brings a chip to its final baud, as before an option write.
+struct ConnectedBench : Bench {
+    explicit ConnectedBench(const ChipConfig& config = {}) : Bench(config) {
+        EXPECT_EQ(run(), 0) << story();
+        chip.take_log();
+    }
+};
+
+TEST(StatusRead, StoresByTheFamilyOfTheSelectedModel) {
+    sim::OptionBytes options;
+    for (std::size_t i = 0; i < options.size(); ++i)
+        options[i] = static_cast<std::uint8_t>(0x51 + 2 * i);
+    const std::vector<std::pair<const LetterRow*, std::vector<int>>> rows = {
+        {&letter_rows[0], {}},
+        {&letter_rows[1], {}},
+        {&letter_rows[2], {1}},
+        {&letter_rows[3], {2, 3, 8, 10, 11}},
+        {&letter_rows[5], {2, 3, 8, 10, 11}},
+        {&letter_rows[6], {0, 3, 4, 8, 10, 11}},
+    };
+    for (const auto& [row, words] : rows) {
+        SCOPED_TRACE(row->model);
+        ConnectedBench bench({.model = row->model, .letter = row->letter, .options = options});
+        bench.frm.options.Chip_Bytes.fill(-7);
+        bench.frm.options.Option_Bytes[0][16] = 0x33;
+        bench.frm.link.Chip_Letter.clear();
+        bench.frm.link.Chip_Version.clear();
+        bench.frm.link.Chip_Double_Speed = true;
+        Read_Chip_Status(bench.frm, -1);
+        EXPECT_TRUE(bench.frm.link.Status_Read_OK);
+        EXPECT_TRUE(bench.frm.link.frame_ok);
+        EXPECT_EQ(bench.frm.link.Chip_Letter, std::string(1, row->letter));
+        EXPECT_EQ(bench.frm.link.Chip_Version, row->version);
+        EXPECT_FALSE(bench.frm.link.Chip_Double_Speed);
+        for (int word = 0; word < 16; ++word) {
+            const bool stored = std::find(words.begin(), words.end(), word) != words.end();
+            EXPECT_EQ(bench.frm.options.Chip_Bytes[static_cast<std::size_t>(word)],
+                      stored ? 0x51 + 2 * word : -7)
+                << word;
+        }
+        EXPECT_EQ(bench.frm.options.Chip_Bytes[16], 0x33);
+    }
+}
+
+std::string calls;
+
+TEST(StatusRead, PlugsAreCalledInTheirOrder) {
+    ConnectedBench bench({.model = "VKM47H58RK+"});
+    LinkState& link = bench.frm.link;
+    calls.clear();
+    link.Compose_Options = [](frmMain&) { calls += "compose "; };
+    link.Read_All_Options = [](frmMain&) { calls += "read "; };
+    link.Show_Chip_Info = [](frmMain&, std::uint8_t, std::uint8_t letter, std::uint8_t option) {
+        calls += letter == 'C' && option == 0xFD ? "info " : "wrong ";
+    };
+    link.Show_Panel_Lines = [](frmMain& frm, std::uint8_t version, std::uint8_t, std::uint8_t,
+                               std::int16_t flag) {
+        calls += version == 0x38 && flag == -1 && frm.link.Chip_Version == "3.8" ? "panel " : "?";
+    };
+    Read_Chip_Status(bench.frm, -1);
+    EXPECT_EQ(calls, "compose read compose info panel ");
+}
+
+TEST(StatusRead, ThreeTriesOf900MillisecondsThenNothingIsChanged) {
+    ConnectedBench bench;
+    bench.chip.add_fault(lose_reply(FrameKind::status_read, 0));
+    bench.frm.options.Chip_Bytes.fill(-7);
+    bench.frm.link.Status_Read_OK = true;
+    const double before = bench.elapsed_ms();
+    Read_Chip_Status(bench.frm, 0);
+    EXPECT_DOUBLE_EQ(bench.elapsed_ms() - before, 3 * (5 + 3 + 900) + 2 * 50);
+    EXPECT_EQ(bench.heard(FrameKind::status_read), 3);
+    EXPECT_FALSE(bench.frm.link.Status_Read_OK);
+    EXPECT_FALSE(bench.frm.link.frame_ok);
+    EXPECT_EQ(bench.frm.options.Chip_Bytes[1], -7);
+}
+
+TEST(StatusRead, StopEndsEachTryAtItsFirstPoll) {
+    ConnectedBench bench;
+    bench.chip.add_fault(lose_reply(FrameKind::status_read, 0));
+    bench.stop_in(100);
+    const double before = bench.elapsed_ms();
+    Read_Chip_Status(bench.frm, 0);
+    EXPECT_LT(bench.elapsed_ms() - before, 100 + 2 * (50 + 5 + 3) + 1);
+    EXPECT_FALSE(bench.frm.link.frame_ok);
+}
+
+}  // namespace
+}  // namespace vkm::test
