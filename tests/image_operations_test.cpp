@@ -898,6 +898,24 @@ TEST(LoadFile, ThatIsOvertakenBehindABoxLeavesTheOther) {
     }
 }
 
+TEST(LoadFile, ThatIsOvertakenByAResetBehindItsBoxLeavesAnEmptyImage) {
+    ImageWorld world("VKM47W54AD");
+    world.dialogs.stays = Milliseconds(100);
+    world.at(50, [&] { Reset_Buffer(world.frm, 0, world.program()); });
+    world.load(world.program(), "/a.hex", hex_file(0x4000, pattern(8)));
+    EXPECT_FALSE(world.frm.images.File_Loaded);
+    EXPECT_FALSE(world.program().Has_File);
+    EXPECT_EQ(world.program().Image_High, 0x3FF);
+}
+
+TEST(LoadFile, TakesAStartAddressThatWasTypedWhileTheFileWasLookedAt) {
+    ImageWorld world;
+    world.at(0, [&] { world.frm.screen.txtAP_FileStart.Text = "0020"; });
+    world.load(world.program(), "/a.txt", hex_file(0, pattern(8)));
+    EXPECT_EQ(world.program().File_Low, 0x20);
+    EXPECT_EQ(world.at_address(0x20), 1);
+}
+
 TEST(LoadFile, OfTheOtherImageInsideALoadGoesItsOwnWay) {
     ImageWorld world;
     world.files.add("/d.bin", pattern(8));

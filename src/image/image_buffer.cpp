@@ -22,11 +22,6 @@ bool is_program_image(const Image_Buffer& buffer) {
     return upper_case(buffer.Buffer_Name) == "AP_FILE";
 }
 
-std::uint8_t byte_at(const Image_Buffer& buffer, std::int64_t address) {
-    const bool outside = address < 0 || address >= static_cast<std::int64_t>(buffer.Bytes.size());
-    return outside ? std::uint8_t{0} : buffer.Bytes[static_cast<std::size_t>(address)];
-}
-
 bool holds_data(std::span<const std::uint8_t> bytes, std::int64_t low, std::int64_t high) {
     return std::ranges::any_of(inside(bytes, low, high), [](std::uint8_t b) { return b != 0; });
 }

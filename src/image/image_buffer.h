@@ -32,9 +32,6 @@ struct Image_Buffer {
 // True for the program image, false for the data image.
 bool is_program_image(const Image_Buffer& buffer);
 
-// The byte at an address; 0, the unfilled byte, outside the array.
-std::uint8_t byte_at(const Image_Buffer& buffer, std::int64_t address);
-
 // Areas of an image, both ends included; an area whose high end is below its low
 // end is empty. What lies outside the array holds nothing and takes nothing.
 bool holds_data(std::span<const std::uint8_t> bytes, std::int64_t low, std::int64_t high);
