@@ -1,6 +1,9 @@
 // An image and what belongs to it on the screen.
 #pragma once
 
+#include <cstdint>
+#include <string_view>
+
 #include "frmMain.h"
 
 namespace vkm {
