@@ -1111,6 +1111,47 @@ TEST(Stop, WorksAtEveryMomentOfAJob) {
     EXPECT_GT(outcomes["✔ OK / 成功"], 50);
 }
 
+TEST(Stop, WorksAtEveryMomentAtTheLowestBaud) {
+    int stopped = 0;
+    for (int ms = 0; ms < 13000; ms += 37) {
+        SCOPED_TRACE("stop after " + std::to_string(ms) + " ms");
+        SessionBench bench({.model = "VKM47H58RK"});
+        bench.choose(bench.frm.screen.cobBaudMax, "1200");
+        bench.load(100);
+        bench.click_stop_in(ms);
+        comDownload(bench.frm, 0);
+        if (bench.frm.session.Result == Job_Result::done) {
+            // Stop may cut off the trigger that starts the program; the chip is good.
+            expect_session_over(bench);
+            EXPECT_EQ(bench.count(), "1");
+            EXPECT_TRUE(bench.flash_holds(bench.image));
+        } else {
+            expect_stopped(bench);
+            ++stopped;
+        }
+        if (HasFailure()) return;
+    }
+    EXPECT_GT(stopped, 100);
+}
+
+TEST(Stop, WorksAtEveryMomentOfASeries) {
+    std::map<std::string, int> counts;
+    for (int ms = 0; ms < 12000; ms += 29) {
+        SCOPED_TRACE("stop after " + std::to_string(ms) + " ms");
+        SessionBench bench(
+            {.model = "VKM26H2052", .after_start = {.power_cycle = true, .fresh_chip = true}});
+        bench.choose(bench.frm.screen.comDalay_ReDownLoad, "2");
+        bench.load(1000);
+        bench.click_stop_in(ms);
+        comDownload(bench.frm, 1);
+        expect_stopped(bench);
+        EXPECT_EQ(bench.count(), std::to_string(bench.chip.counters().starts));
+        ++counts[bench.count()];
+        if (HasFailure()) return;
+    }
+    EXPECT_GE(counts.size(), 3u);
+}
+
 TEST(Stop, WorksWhileTheChipHasNoPower) {
     SessionBench bench({.powered_at = sim::never});
     bench.load(100);

@@ -31,6 +31,8 @@ bool send_erase(frmMain& frm, const Frame& frame) {
     for (int attempt = 0; attempt < attempts; ++attempt) {
         frm.link.receive_enabled = true;
         wait_ms(frm, settle_before_ms);
+        // A late answer to the link check must not pass for an erased flash.
+        reset_receive(frm);
         write_and_settle(frm, frame);
         if (wait_for_frame(frm, answer_ms)) return true;
     }
@@ -50,7 +52,6 @@ void Erase_Application(frmMain& frm) {
     const std::int64_t begin = frm.platform.wall_clock.seconds();
     frm.session.Erase_Time.clear();
     Restart_Port(frm);
-    reset_receive(frm);
     if (send_erase(frm, erase_frame(frm))) note_erase_time(frm, begin);
     wait_ms(frm, settle_after_ms);
 }

@@ -1,0 +1,264 @@
+// What can go wrong on the line and with the chip, at every point of a job. Only
+// two outcomes pass: a good chip whose flash holds the image, or a failure that
+// is named. Never a hang, and the controls always come back.
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "session_bench.h"
+
+namespace vkm::test {
+namespace {
+
+// A job without a fault ends within 3 s; with the waits of all retries, within this.
+constexpr auto longest_job = std::chrono::minutes(3);
+
+bool names_its_failure(const std::string& log) {
+    for (std::string_view text :
+         {"Operation is stop.", "Handshake is failed.", "Open COM port failure!",
+          "Erase application is failed.", "Program is failure.", "MCU Type is wrong."})
+        if (log.find(text) != std::string::npos) return true;
+    return false;
+}
+
+struct Outcomes {
+    int good = 0;
+    int failed = 0;
+    int stopped = 0;
+};
+
+// Runs the job and holds its outcome against what the bench shows.
+void run_job(SessionBench& bench, Outcomes& outcomes) {
+    bench.loop.time_limit =
+        std::chrono::duration_cast<Microseconds>(longest_job) + bench.loop.elapsed();
+    ASSERT_NO_THROW(comDownload(bench.frm, 0)) << bench.story();
+    expect_session_over(bench);
+    switch (bench.frm.session.Result) {
+        case Job_Result::done:
+            ++outcomes.good;
+            EXPECT_EQ(bench.count(), "1");
+            EXPECT_TRUE(bench.flash_holds(bench.image)) << bench.story();
+            EXPECT_TRUE(bench.log_has("Program OK")) << bench.story();
+            break;
+        case Job_Result::failed:
+            ++outcomes.failed;
+            EXPECT_EQ(bench.count(), "0");
+            EXPECT_FALSE(bench.frm.session.Failed_Step.empty());
+            EXPECT_TRUE(names_its_failure(bench.log())) << bench.story();
+            EXPECT_FALSE(bench.log_has("Program OK")) << bench.story();
+            break;
+        case Job_Result::stopped:
+            ++outcomes.stopped;
+            EXPECT_EQ(bench.count(), "0");
+            // Stop may fall into the beeps of a failure, which is told then.
+            EXPECT_TRUE(names_its_failure(bench.log())) << bench.story();
+            break;
+        default:
+            ADD_FAILURE() << "no verdict: " << bench.story();
+    }
+}
+
+// A chip that is lost while the tool seeks it is sought for ever; somebody has to
+// press Stop.
+void somebody_presses_stop(SessionBench& bench) {
+    bench.click_stop_in(100'000);
+}
+
+const std::map<std::string, PortFault> port_faults = {{"lose", PortFault::lose},
+                                                      {"damage", PortFault::damage},
+                                                      {"twice", PortFault::twice},
+                                                      {"late", PortFault::late},
+                                                      {"cut off", PortFault::cut_off}};
+
+struct Chip {
+    std::string chip, model;
+};
+const std::vector<Chip> chips = {{"VKM47H58RK", "VKM47H58RK"},   {"VKM47W58AD", "VKM47W58AD"},
+                                 {"VKM47H58RK+", "VKM47H58RK+"}, {"VKM26H2052", "VKM26H2052"},
+                                 {"VKM26H5404", "VKM26H5404"},   {"VKM26H5420", "26H/W54xx Series"},
+                                 {"VKM27J032", "VKM27J032"}};
+
+TEST(FaultSweep, AFrameThatGoesWrongOnItsWayToTheChip) {
+    for (const Chip& chip : chips) {
+        for (const auto& [name, fault] : port_faults) {
+            Outcomes outcomes;
+            bool struck = true;
+            for (int nth = 1; struck; ++nth) {
+                SCOPED_TRACE(chip.chip + ", frame " + std::to_string(nth) + ": " + name);
+                SessionBench bench({.model = chip.chip}, chip.model);
+                bench.load(1100);
+                bench.faults.fault_frame(nth, fault);
+                somebody_presses_stop(bench);
+                run_job(bench, outcomes);
+                struck = bench.faults.struck > 0;
+                if (HasFailure()) return;
+            }
+            // One bad frame is retried. There is one exception: the tool follows to
+            // the new rate whether the chip heard of it or not.
+            EXPECT_LE(outcomes.failed, 1) << chip.chip << ", " << name;
+            EXPECT_EQ(outcomes.stopped, 0) << chip.chip << ", " << name;
+            EXPECT_GT(outcomes.good, 15);
+        }
+    }
+}
+
+TEST(FaultSweep, AByteThatGoesWrongOnItsWayToTheTool) {
+    for (const Chip& chip : chips) {
+        for (const auto& [name, fault] : port_faults) {
+            Outcomes outcomes;
+            bool struck = true;
+            for (int nth = 1; struck; ++nth) {
+                SCOPED_TRACE(chip.chip + ", byte " + std::to_string(nth) + ": " + name);
+                SessionBench bench({.model = chip.chip}, chip.model);
+                bench.load(700);
+                bench.faults.fault_byte(nth, fault);
+                somebody_presses_stop(bench);
+                run_job(bench, outcomes);
+                struck = bench.faults.struck > 0;
+                if (HasFailure()) return;
+            }
+            EXPECT_GT(outcomes.good, 40);
+        }
+    }
+}
+
+TEST(FaultSweep, AnAnswerThatTheChipGetsWrong) {
+    using sim::FaultKind;
+    const std::vector<FaultKind> kinds = {
+        FaultKind::lose_frame, FaultKind::lose_reply,  FaultKind::damage, FaultKind::delay,
+        FaultKind::twice,      FaultKind::cut_off,     FaultKind::noise,  FaultKind::wrong_data_sum,
+        FaultKind::other_code, FaultKind::wrong_length};
+    for (const Chip& chip : chips) {
+        for (const FaultKind kind : kinds) {
+            Outcomes outcomes;
+            for (int nth = 1; nth <= 25; ++nth) {
+                SCOPED_TRACE(chip.chip + ", answer " + std::to_string(nth) + ": " +
+                             std::string(sim::name_of(kind)));
+                SessionBench bench({.model = chip.chip,
+                                    .faults = {{.kind = kind,
+                                                .nth = nth,
+                                                .value = kind == FaultKind::wrong_length ? 65535
+                                                         : kind == FaultKind::other_code ? 0x8F
+                                                                                         : 4,
+                                                .extra = 40,
+                                                .bytes = {0x00, 0x68, 0xFF}}}},
+                                   chip.model);
+                bench.load(1100);
+                somebody_presses_stop(bench);
+                run_job(bench, outcomes);
+                if (HasFailure()) return;
+            }
+            EXPECT_GT(outcomes.good, 20) << chip.chip << " " << sim::name_of(kind);
+        }
+    }
+}
+
+TEST(FaultSweep, TheChipLosesItsPower) {
+    Outcomes outcomes;
+    for (int ms = 0; ms < 2600; ms += 7) {
+        SCOPED_TRACE("power lost after " + std::to_string(ms) + " ms");
+        SessionBench bench({.model = "VKM47H58RK+"});
+        bench.load(3000);
+        bench.power_off_in(ms);
+        somebody_presses_stop(bench);
+        run_job(bench, outcomes);
+        if (HasFailure()) return;
+    }
+    EXPECT_GT(outcomes.good, 10);
+    EXPECT_GT(outcomes.failed, 100);
+    EXPECT_GT(outcomes.stopped, 10);
+}
+
+TEST(FaultSweep, TheChipLosesItsPowerAndGetsItBack) {
+    Outcomes outcomes;
+    for (int ms = 0; ms < 2600; ms += 13) {
+        SCOPED_TRACE("power blinks after " + std::to_string(ms) + " ms");
+        SessionBench bench({.model = "VKM26H5404"});
+        bench.load(3000);
+        bench.power_off_in(ms);
+        bench.power_on_in(ms + 30);
+        somebody_presses_stop(bench);
+        run_job(bench, outcomes);
+        if (HasFailure()) return;
+    }
+    EXPECT_GT(outcomes.good, 10);
+    EXPECT_GT(outcomes.failed, 50);
+}
+
+TEST(FaultSweep, TheCableIsPulled) {
+    Outcomes outcomes;
+    for (int ms = 0; ms < 2600; ms += 7) {
+        SCOPED_TRACE("cable pulled after " + std::to_string(ms) + " ms");
+        SessionBench bench({.model = "VKM47H58RK+"});
+        bench.load(3000);
+        bench.at(ms, [&] { bench.port.unplug(); });
+        somebody_presses_stop(bench);
+        run_job(bench, outcomes);
+        if (HasFailure()) return;
+    }
+    EXPECT_GT(outcomes.good, 10);
+    EXPECT_GT(outcomes.failed, 100);
+}
+
+TEST(FaultSweep, TheCableIsPulledAndPutBack) {
+    Outcomes outcomes;
+    for (int ms = 0; ms < 2600; ms += 13) {
+        SCOPED_TRACE("cable out after " + std::to_string(ms) + " ms");
+        SessionBench bench({.model = "VKM47H58RK+"});
+        bench.load(3000);
+        bench.at(ms, [&] { bench.port.unplug(); });
+        bench.at(ms + 200, [&] { bench.port.plug(1); });
+        somebody_presses_stop(bench);
+        run_job(bench, outcomes);
+        if (HasFailure()) return;
+    }
+    EXPECT_GT(outcomes.good, 10);
+}
+
+TEST(FaultSweep, ThePortOpensNotAtTheNthTry) {
+    Outcomes outcomes;
+    for (int nth = 1; nth <= 20; ++nth) {
+        SCOPED_TRACE("open " + std::to_string(nth));
+        SessionBench bench({.model = "VKM47H58RK+"});
+        bench.load(1000);
+        bench.port.nth_open_error[nth] = error_busy;
+        somebody_presses_stop(bench);
+        run_job(bench, outcomes);
+        if (HasFailure()) return;
+    }
+    EXPECT_GT(outcomes.good, 5);
+}
+
+TEST(FaultSoak, ManyFaultsAtOnce) {
+    Outcomes outcomes;
+    for (unsigned seed = 1; seed <= 600; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        std::mt19937 dice(seed);
+        const auto roll = [&](int sides) {
+            return static_cast<int>(dice() % static_cast<unsigned>(sides));
+        };
+        const Chip& chip = chips[static_cast<std::size_t>(roll(static_cast<int>(chips.size())))];
+        SessionBench bench({.model = chip.chip}, chip.model);
+        bench.load(static_cast<std::size_t>(200 + roll(1800)));
+        const auto fault = [&] {
+            auto any = port_faults.begin();
+            std::advance(any, roll(static_cast<int>(port_faults.size())));
+            return any->second;
+        };
+        bench.faults.delay = Milliseconds(1 + roll(400));
+        for (int faults = roll(12); faults > 0; --faults)
+            bench.faults.fault_frame(1 + roll(40), fault());
+        for (int faults = roll(12); faults > 0; --faults)
+            bench.faults.fault_byte(1 + roll(300), fault());
+        if (roll(4) == 0) bench.click_stop_in(roll(4000));
+        somebody_presses_stop(bench);
+        run_job(bench, outcomes);
+        if (HasFailure()) return;
+    }
+    EXPECT_GT(outcomes.good, 100);
+    EXPECT_GT(outcomes.failed, 20);
+    EXPECT_GT(outcomes.stopped, 20);
+}
+
+}  // namespace
+}  // namespace vkm::test
