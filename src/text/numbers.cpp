@@ -65,8 +65,9 @@ std::string kilobytes(std::int64_t bytes) {
 std::string minutes_seconds(std::int64_t seconds) {
     seconds = std::max<std::int64_t>(seconds, 0);
     const auto two_digits = [](std::int64_t n) {
-        const std::string digits = "0" + std::to_string(n);
-        return digits.substr(digits.size() - 2);
+        std::string digits = std::to_string(n % 100);
+        if (digits.size() < 2) digits.insert(digits.begin(), '0');
+        return digits;
     };
     return two_digits(seconds / 60) + ":" + two_digits(seconds % 60);
 }
