@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
+#include <iterator>
 #include <limits>
 
 #include "text/trimming.h"
@@ -57,9 +57,12 @@ std::string shortest_decimal(double value) {
 }
 
 std::string kilobytes(std::int64_t bytes) {
+    // to_chars writes a point whatever the locale says.
     char digits[40];
-    std::snprintf(digits, sizeof digits, "%.3f", static_cast<double>(bytes) / 1024.0);
-    return digits;
+    const auto written =
+        std::to_chars(std::begin(digits), std::end(digits), static_cast<double>(bytes) / 1024.0,
+                      std::chars_format::fixed, 3);
+    return std::string(digits, written.ptr);
 }
 
 std::string minutes_seconds(std::int64_t seconds) {
