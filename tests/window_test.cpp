@@ -293,18 +293,20 @@ TEST(Wiring, AFamilyLeavesTheTreeOpenAndTheImagesAlone) {
     EXPECT_EQ(window.frm.images.AP_Buffer.Bytes[5], 0x55);
 }
 
-TEST(Wiring, DuringAJobNeitherModelNorImageChanges) {
+TEST(Wiring, DuringAJobAndWhileItUnwindsNeitherModelNorImageChanges) {
     Window window;
     Screen& s = window.frm.screen;
     window.files.add("/bench/other.bin", std::vector<std::uint8_t>{1, 2, 3});
     window.click(s.Command3);
     window.start_job_at(10);
-    window.at(2000, [&] {
+    const auto try_everything = [&] {
         ASSERT_TRUE(window.frm.session.Running);
         EXPECT_FALSE(s.TreeViewDevice.Visible);
         window.frm.images.AP_Buffer.Bytes[5] = 0x55;
         choose_key(s.TreeViewDevice, "VKM26H2052");
         window.click(s.TreeViewDevice);
+        window.click(s.Command3);
+        EXPECT_FALSE(s.TreeViewDevice.Visible);
         window.dialogs.choose_file("/bench/other.bin");
         window.click(s.comLoadFile);
         window.click(s.comLoadDataFile);
@@ -314,7 +316,12 @@ TEST(Wiring, DuringAJobNeitherModelNorImageChanges) {
         EXPECT_EQ(window.frm.images.AP_Buffer.Bytes[5], 0x55);
         EXPECT_EQ(s.txtDevice.Text, "VKM47H51RB");
         EXPECT_TRUE(window.boxes().empty());
+    };
+    window.at(2000, [&] {
+        try_everything();
         window.click(s.comStop_Download);
+        EXPECT_EQ(window.frm.session.UI_State, 0);
+        try_everything();
     });
     window.run_for(4000);
     EXPECT_FALSE(window.frm.session.Running);

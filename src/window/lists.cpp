@@ -89,13 +89,13 @@ void fill_serial(Control& baud, Control& parity, Control& bits, Control& stop) {
 }  // namespace
 
 void Fill_Lists(Screen& s) {
-    fill(s.combCommPort, port_names(), 0);
+    fill_list(s.combCommPort, port_names());
     fill(s.cobBaudMax, chip_bauds(), 0);
-    fill(s.comDalay_ReDownLoad, numbers(9, 1), 4);
+    fill_list(s.comDalay_ReDownLoad, numbers(9, 1));
     fill(s.comWDT_Prescalar, prescalers(), 7);
-    fill(s.comb_WDT, watchdog_pins(), -1);
-    fill(s.comb_485_pin, free_pins(), 0);
-    fill(s.comb_External_WDT, free_pins(), 1);
+    fill_list(s.comb_WDT, watchdog_pins());
+    fill_list(s.comb_485_pin, free_pins());
+    fill_list(s.comb_External_WDT, free_pins());
 
     fill(s.com_Debug_COM, port_names(), 0);
     fill_serial(s.com_Debug_Baud, s.com_Debug_ParityCheck, s.com_Debug_DataBits,

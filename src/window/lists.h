@@ -5,7 +5,8 @@
 
 namespace vkm {
 
-// Fills every list whose entries are fixed, and chooses the entry that it starts with.
+// Fills every list whose entries are fixed, and chooses the entry that it starts
+// with where no setting does.
 void Fill_Lists(Screen& screen);
 
 // Chooses in every set of options the one that it starts with.

@@ -34,7 +34,7 @@ void run_between_jobs(frmMain& frm, Event) {
 }
 
 void Drop_File(frmMain& frm, Event event) {
-    if (!frm.session.Running && frm.screen.comLoadFile.Enabled) Open_Dropped_File(frm, event.Text);
+    if (!frm.session.Running) Open_Dropped_File(frm, event.Text);
 }
 
 void Toggle_Device_Tree(frmMain& frm) {

@@ -85,7 +85,9 @@ class Robot(Process):
     """vkm_robot; every command of it is a method."""
 
     def __init__(self, settings=None, ports=None, folder=None, size="1200x800"):
-        arguments = [BUILD / "vkm_robot", "--size", size]
+        arguments = [BUILD / "vkm_robot"]
+        if size:
+            arguments += ["--size", size]
         if settings:
             arguments += ["--settings", settings]
         for number, device in (ports or {}).items():
@@ -176,6 +178,16 @@ class Robot(Process):
         self.open_file(path)
         self.wait("txtFileCheckSum", "Text", not_equals="")
 
+    def load_bytes(self, folder, content, name="program.bin"):
+        path = folder / name
+        path.write_bytes(content)
+        self.load(path)
+
+    def download(self, ms=60000, button="comDownload(0)"):
+        self.click(button)
+        self.idle(ms)
+        return self.log()
+
     def quit(self):
         """Closes the window as a person does; the exit status."""
         self.do("close")
@@ -188,14 +200,51 @@ class Robot(Process):
 
 
 class Chip(Process):
-    """vkm-chip: a simulated chip on a pseudo-terminal."""
+    """vkm-chip: a simulated chip on a pseudo-terminal.
 
-    def __init__(self, model, **options):
-        arguments = [BUILD / "vkm-chip", "--model", model]
+    Options are those of its command line, with underscores: fast=True, clock="12M",
+    fault=["lose_reply@block:3"].
+    """
+
+    def __init__(self, model, folder, **options):
+        self.folder = folder
+        self.device = folder / f"chip-{next(_numbers)}"  # stays when the cable is plugged again
+        arguments = [BUILD / "vkm-chip", "--model", model, "--link", self.device]
         for name, value in options.items():
             for each in value if isinstance(value, list) else [value]:
-                arguments += [f"--{name.replace('_', '-')}", each]
+                arguments.append("--" + name.replace("_", "-"))
+                if each is not True:
+                    arguments.append(each)
         super().__init__(arguments)
+        self.event("ready")
+
+    def event(self, name, limit_s=30):
+        """The next line that tells of this, from where the last one was found."""
+        while True:
+            line = self.next_line(limit_s)
+            if line.split(" ")[0] == name:
+                return line
+
+    def do(self, command):
+        self.write_line(command)
+        while True:
+            line = self.next_line(ANSWER_LIMIT_S)
+            if line.split(" ")[0] == "error":
+                raise Failed(f"vkm-chip: {command}: {line}")
+            if line.split(" ")[0] == "ok":
+                return line[3:]
+
+    def flash(self):
+        path = self.folder / f"flash-{next(_numbers)}"
+        self.do(f"flash {path}")
+        return path.read_bytes()
+
+    def objections(self):
+        """What the chip found wrong with the tool's frames."""
+        return [line for line in self.output if line.startswith("objection")]
+
+
+_numbers = itertools.count(1)
 
 
 class Bench:
@@ -215,7 +264,7 @@ class Bench:
         return robot
 
     def chip(self, model, **options):
-        chip = Chip(model, **options)
+        chip = Chip(model, self.folder, **options)
         self.started.append(chip)
         return chip
 
@@ -223,6 +272,13 @@ class Bench:
         path = self.folder / name
         path.write_bytes(content)
         return path
+
+    def robot_with(self, chip, model=None, **options):
+        """A robot with this chip as COM1 and its model chosen."""
+        robot = self.robot(ports={1: chip.device}, **options)
+        if model:
+            robot.model(model)
+        return robot
 
     def close(self):
         for process in self.started:

@@ -8,6 +8,7 @@
 #include <QPixmap>
 #include <cmath>
 
+#include "platform/qt/text_mapping.h"
 #include "robot/drawn.h"
 #include "robot/refusal.h"
 #include "robot/tool_values.h"
@@ -74,9 +75,15 @@ QString shown(const QJsonValue& value) {
 
 }  // namespace
 
-Robot::Robot(Tool tool, std::function<void(const QByteArray&)> write)
-    : tool_(std::move(tool)), write_(std::move(write)) {
+Robot::Robot(Tool& tool, std::function<void(const QByteArray&)> write)
+    : tool_(tool), write_(std::move(write)) {
     QObject::connect(&again_, &QTimer::timeout, this, &Robot::work);
+}
+
+void Robot::turn_begins() {
+    drawn_ = true;
+    if (ready_ || !tool_.window.isVisible()) return;
+    ready_ = true;
     answer({{"ready", true}});
 }
 
@@ -93,7 +100,7 @@ void Robot::take_end() {
 // ---- in turn ---------------------------------------------------------------------
 
 void Robot::work() {
-    if (!drawn_ || over_) return;
+    if (!ready_ || !drawn_ || over_) return;
     if (waiting_) return look_again();
     if (!lines_.empty()) {
         drawn_ = false;
@@ -107,8 +114,8 @@ void Robot::work() {
         quitting_ = true;
         tool_.window.close();
     }
-    if (quitting_ && tool_.closed()) return end();
-    quitting_ ? again_.start(look_interval_ms) : again_.stop();
+    over_ = quitting_ && tool_.window.is_over();
+    quitting_ && !over_ ? again_.start(look_interval_ms) : again_.stop();
 }
 
 void Robot::carry_out(const QByteArray& line) {
@@ -160,12 +167,6 @@ void Robot::look_again() {
         waiting_.reset();
         refuse(why);
     }
-}
-
-void Robot::end() {
-    over_ = true;
-    again_.stop();
-    if (ended) ended();
 }
 
 // ---- commands ------------------------------------------------------------------------
@@ -281,7 +282,7 @@ void Robot::file(const QJsonObject& fields) {
 }
 
 void Robot::beeps(const QJsonObject&) {
-    answer({{"value", tool_.beeps()}});
+    answer({{"value", tool_.sounder.beeps()}});
 }
 
 void Robot::value(const QJsonObject& fields) {
@@ -294,7 +295,13 @@ void Robot::bytes(const QJsonObject& fields) {
 }
 
 void Robot::settings(const QJsonObject&) {
-    answer({{"value", tool_.settings()}});
+    QJsonObject sections;
+    for (const auto& [section, keys] : tool_.settings.all()) {
+        QJsonObject texts;
+        for (const auto& [key, text] : keys) texts.insert(to_qt(key), to_qt(text));
+        sections.insert(to_qt(section), texts);
+    }
+    answer({{"value", sections}});
 }
 
 void Robot::size(const QJsonObject& fields) {

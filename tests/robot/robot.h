@@ -9,39 +9,30 @@
 #include <QElapsedTimer>
 #include <QJsonObject>
 #include <QTimer>
-#include <QWidget>
 #include <deque>
 #include <functional>
 #include <optional>
 
-#include "frmMain.h"
+#include "platform/qt/tool.h"
 #include "robot/box_answers.h"
 #include "robot/drawn.h"
 
 namespace vkm::robot {
 
-// The running tool, as far as the robot has to do with it.
-struct Tool {
-    QWidget& window;
-    frmMain& frm;
-    std::function<int()> beeps;             // so far
-    std::function<QJsonObject()> settings;  // section, key, text
-    std::function<bool()> closed;           // the window is, for good
-};
-
 class Robot : public QObject {
   public:
     // `write` takes an answer line without its end.
-    Robot(Tool tool, std::function<void(const QByteArray&)> write);
+    // The tool must outlive the robot.
+    Robot(Tool& tool, std::function<void(const QByteArray&)> write);
 
     void take_line(const QByteArray& line);
     // No more lines come: ends as after close and quit.
     void take_end();
     // The tool's event loop has drawn and begins a turn.
-    void turn_begins() { drawn_ = true; }
+    void turn_begins();
 
-    // Called once all is over.
-    std::function<void()> ended;
+    // All is over: the window has closed, and that was wanted.
+    bool is_over() const { return over_; }
 
   private:
     // What a command that has to wait looks for; nothing while it isn't there.
@@ -59,7 +50,6 @@ class Robot : public QObject {
     void refuse(const QString& why);
     void wait_for(Look look, int limit_ms, std::function<QString()> too_late);
     void look_again();
-    void end();
     Drawn on(const QJsonObject& fields) const;
 
     // ---- commands ----
@@ -88,13 +78,14 @@ class Robot : public QObject {
     void close(const QJsonObject& fields);
     void quit(const QJsonObject& fields);
 
-    Tool tool_;
+    Tool& tool_;
     std::function<void(const QByteArray&)> write_;
     Box_Answers answers_;
     std::deque<QByteArray> lines_;
     std::optional<Waiting> waiting_;
-    QTimer again_;       // looks again, while something is waited for
-    bool drawn_ = true;  // the loop has drawn since the last command
+    QTimer again_;        // looks again, while something is waited for
+    bool drawn_ = true;   // the loop has drawn since the last command
+    bool ready_ = false;  // the window is shown, and that has been told
     bool input_ended_ = false;
     bool quitting_ = false;
     bool over_ = false;
