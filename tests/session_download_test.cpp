@@ -184,6 +184,27 @@ TEST(Download, ReloadsTheProgramFileWhenTheOperatorWantsIt) {
     EXPECT_EQ(bench.count(), "2");
 }
 
+TEST(Download, ProgramsNothingWhenTheReloadedFileIsRefused) {
+    SessionBench bench({.model = "VKM47H58RK+"});
+    bench.files.add("/work/app.hex", std::string_view(":0100000055AA\r\n:00000001FF\r\n"));
+    bench.settings.preset("Settings", "FilePath", "/work/app.hex");
+    bench.dialogs.choose_file("/work/app.hex");
+    comLoadFile(bench.frm);
+    ASSERT_TRUE(bench.frm.images.File_Loaded);
+    // The compiler's next output is damaged, and the operator says No to it.
+    const std::string bad = ":0100000055AB\r\n";
+    bench.files.add("/work/app.hex", std::string_view(bad + bad + bad + ":00000001FF\r\n"));
+    bench.dialogs.answer_no();
+    bench.frm.screen.cekReloadFile.Value = 1;
+    comDownload(bench.frm, 0);
+    ASSERT_FALSE(bench.boxes().empty());
+    EXPECT_EQ(bench.boxes().back().text, "    Please open file./请打开文件。    ");
+    EXPECT_EQ(bench.chip.counters().pulses, 0);
+    EXPECT_EQ(bench.frm.session.UI_State, 0);
+    EXPECT_FALSE(bench.frm.session.Running);
+    EXPECT_EQ(bench.verdict(), "");
+}
+
 TEST(Download, PatchesNumbersThatWereTouchedAndAdvancesThemAfterAGoodChip) {
     static std::vector<std::string> calls;
     calls.clear();

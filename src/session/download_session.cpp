@@ -33,10 +33,19 @@ void close_assistant_port(frmMain& frm) {
     close_port(frm);
 }
 
-void reload_file(frmMain& frm) {
-    if (frm.screen.cekReloadFile.Value == 0) return;
+bool has_file(frmMain& frm) {
+    if (frm.images.File_Loaded) return true;
+    frm.platform.dialogs.show_text(chosen_text(frm.screen, session_text::no_file));
+    return false;
+}
+
+// False when the operator then refused the file.
+bool reload_file(frmMain& frm) {
+    if (frm.screen.cekReloadFile.Value == 0) return true;
     Check_Last_File(frm);
-    Load_File(frm, frm.images.Current_File, frm.images.AP_Buffer);
+    const std::string path = frm.images.Current_File;
+    Load_File(frm, path, frm.images.AP_Buffer);
+    return has_file(frm);
 }
 
 // A number that the operator touched since the last download is checked and patched now.
@@ -201,11 +210,7 @@ void comDownload(frmMain& frm, int Index) {
     const Session_Lease lease(frm);
     if (!lease.granted()) return;
     close_assistant_port(frm);
-    if (!frm.images.File_Loaded) {
-        frm.platform.dialogs.show_text(chosen_text(frm.screen, session_text::no_file));
-        return;
-    }
-    reload_file(frm);
+    if (!has_file(frm) || !reload_file(frm)) return;
     patch_touched_numbers(frm);
     begin_session(frm);
     bool good = program_one_chip(frm);
