@@ -1,0 +1,86 @@
+#include "platform/qt/control_hints.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "platform/qt/text_mapping.h"
+
+namespace vkm {
+namespace {
+
+// clang-format off
+constexpr ControlHint hints[] = {
+    // Step 1
+    {"Command3", -1, 0, "选择型号 / Choose the model"},
+    {"txtDevice", -1, 0, "当前型号, 点击选择 / The chosen model; click to choose another"},
+    {"txtISP_reange", 0, 0, "程序区首地址 (HEX) / First address of the program memory (HEX)"},
+    {"txtISP_reange", 1, 0, "程序区末地址 (HEX) / Last address of the program memory (HEX)"},
+    // Step 2
+    {"comLoadFile", -1, 'O', "打开程序文件, 也可将文件拖到窗口 / Open a program file, or drop it on the window"},
+    {"comLoadDataFile", -1, 'F', "打开写入数据存储区的文件 / Open a file for the data memory"},
+    {"txtAP_FileStart", -1, 0, "文件在缓冲区中的起始地址 (HEX) / Where the file begins in the buffer (HEX)"},
+    {"txtDataFileStart", -1, 0, "文件在数据区中的起始地址 (HEX) / Where the file begins in the data memory (HEX)"},
+    {"txtFileCheckSum", -1, 0, "程序文件各字节之和 / Sum of the bytes of the program file"},
+    {"txtDataFileCheckSum", -1, 0, "数据文件各字节之和 / Sum of the bytes of the data file"},
+    {"cheClearAP_Buffer", -1, 0, "程序缓冲区: 打开文件前全部写 00 / Program buffer: 00 everywhere before a file is opened"},
+    {"cheClearDataBuffer", -1, 0, "数据缓冲区: 打开文件前全部写 00 / Data buffer: 00 everywhere before a file is opened"},
+    // Step 3
+    {"combCommPort", -1, 0, "下载用串行口 / The port of the download"},
+    {"imgOpen_sys", -1, 0, "下载串口已打开 / The port of the download is open"},
+    {"imgNotOpen_sys", -1, 0, "下载串口已关闭 / The port of the download is closed"},
+    // Step 5
+    {"comDownload", 0, 'D', "下载一片 / Program one chip"},
+    {"comDownload", 1, 'R', "连续下载, 直到出错或停止 / Program chip after chip, until one fails or Stop"},
+    {"comStop_Download", -1, 'S', "停止下载 / Stop"},
+    {"txtWrite_OK_Count", -1, 0, "下载成功的片数 / Chips programmed well"},
+    {"comClear_OK_Count", -1, 'C', "计数清零 / Counter back to 0"},
+    {"optBeepYes", -1, 'Y', "每片成功后响一声 / A beep for each good chip"},
+    {"optBeepNo", -1, 'N', "成功后不响 / No beep for a good chip"},
+    {"comDalay_ReDownLoad", -1, 0, "连续下载时两片之间的秒数 / Seconds between two chips of Re-Download"},
+    {"comMastWindow", -1, 0, "只留左边的步骤栏 / Leaves the column of steps alone"},
+    // Monitor
+    {"comDebugContinue", -1, 0, "让停在断点的程序继续 / Lets a stopped program go on"},
+    // Assistant
+    {"optReceiveHex", -1, 0, "接收区的显示方式 / How received bytes are shown"},
+    {"optHexSend", -1, 0, "发送区的内容 / What the text to send is"},
+    {"comDebugClear", -1, 0, "清空接收的内容 / Empties what was received"},
+    {"comClearCount", -1, 0, "两个计数清零 / Both counts back to 0"},
+    {"texSend", -1, 0, "要发送的字符串 / The text to send"},
+    {"texSendCycle", -1, 0, "自动发送周期 (毫秒) / Cycle of the automatic sending (ms)"},
+    {"texSpreadSendCycle", -1, 0, "两个字符串之间的毫秒数 / Milliseconds between two texts"},
+    {"cheSpreadHex", -1, 0, "按十六进制发送 / Send as hexadecimal bytes"},
+    {"comSpreadSendCom", -1, 0, "发送这一行 / Send this line"},
+    {"imgOpen", -1, 0, "串口已打开, 点击关闭 / The port is open; click to close it"},
+    {"imgNotOpen", -1, 0, "串口已关闭, 点击打开 / The port is closed; click to open it"},
+    {"ImgSplitter", -1, 0, "拖动以改变宽度 / Drag to change the widths"},
+    // Tools
+    {"comReadChipLock", -1, 'P', "连接单片机并显示其选项, 不编程 / Connects and shows the options, programs nothing"},
+    {"txtUserCode", -1, 0, "十六进制字节 / Hexadecimal bytes"},
+    {"txt_DEMO_UserCode", -1, 0, "十六进制字节 / Hexadecimal bytes"},
+    {"Read24C512", -1, 0, "读回脱机下载板的存储器 / Reads the memory of the offline board back"},
+    {"com_Demo_DownLoad", -1, 'L', "用户 ISP 程序下载一片 / One chip over the user's own ISP program"},
+    {"com_Demo_Re_DownLoad", -1, 'W', "用户 ISP 程序连续下载 / Chip after chip over the user's own ISP program"},
+    {"com_Demo_Stop", -1, 'T', "停止下载 / Stop"},
+    {"comb_WDT", -1, 0, "下载时用来喂外部看门狗的 I/O 口 / The pin that feeds an external watchdog during a download"},
+    {"comStoreFile", -1, 'V', "将缓冲区的一段存为 .bin 文件 / Saves a piece of the buffer as a .bin file"},
+};
+// clang-format on
+
+}  // namespace
+
+const ControlHint* hint_of(const Control& control) {
+    const auto found = std::find_if(std::begin(hints), std::end(hints), [&](const ControlHint& h) {
+        return h.control == control.Name && (h.index < 0 || h.index == control.Index);
+    });
+    return found == std::end(hints) ? nullptr : &*found;
+}
+
+QString button_text(const Control& control) {
+    QString text = to_qt(control.Caption).replace(u'&', QLatin1String("&&"));
+    const ControlHint* hint = hint_of(control);
+    if (!hint || hint->mnemonic == 0) return text;
+    const auto at = text.indexOf(QLatin1Char(hint->mnemonic));
+    return at < 0 ? text : text.insert(at, u'&');
+}
+
+}  // namespace vkm

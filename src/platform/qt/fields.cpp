@@ -1,0 +1,79 @@
+#include "platform/qt/fields.h"
+
+#include <QEvent>
+#include <QScrollBar>
+
+#include "platform/qt/fonts.h"
+
+namespace vkm {
+
+void Field::set_columns(int columns) {
+    columns_ = columns;
+    setSizePolicy(columns > 0 ? QSizePolicy::Fixed : QSizePolicy::Expanding, QSizePolicy::Fixed);
+    updateGeometry();
+}
+
+QSize Field::sizeHint() const {
+    const QSize usual = QLineEdit::sizeHint();
+    if (columns_ == 0) return usual;
+    // What the frame and the margins take is what is left of a box of no column.
+    const int around = QLineEdit::minimumSizeHint().width() - fontMetrics().maxWidth();
+    const int text = fontMetrics().horizontalAdvance(QString(columns_ + 1, u'0'));
+    return {text + around, usual.height()};
+}
+
+QSize Field::minimumSizeHint() const {
+    return columns_ == 0 ? QLineEdit::minimumSizeHint() : sizeHint();
+}
+
+TextView::TextView() {
+    setFont(monospaced_font());
+    setReadOnly(true);
+    setUndoRedoEnabled(false);
+    setTabChangesFocus(true);
+    setLineWrapMode(QPlainTextEdit::NoWrap);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+}
+
+void TextView::set_size_in_characters(int rows, int columns) {
+    rows_ = rows;
+    columns_ = columns;
+    updateGeometry();
+}
+
+QSize TextView::minimumSizeHint() const {
+    const int margins = 2 * (frameWidth() + static_cast<int>(document()->documentMargin()));
+    const int width = columns_ * fontMetrics().horizontalAdvance(u'0');
+    return {width + margins + verticalScrollBar()->sizeHint().width(),
+            rows_ * fontMetrics().lineSpacing() + margins};
+}
+
+void Group::set_caption(const QString& caption) {
+    caption_ = caption;
+    fit_title();
+}
+
+// What the content needs; the title takes what it gets.
+QSize Group::minimumSizeHint() const {
+    return QWidget::minimumSizeHint();
+}
+
+void Group::resizeEvent(QResizeEvent* event) {
+    QGroupBox::resizeEvent(event);
+    fit_title();
+}
+
+void Group::changeEvent(QEvent* event) {
+    QGroupBox::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) fit_title();
+}
+
+void Group::fit_title() {
+    const int room = width() - 2 * fontMetrics().averageCharWidth();
+    const QString fitting = fontMetrics().elidedText(caption_, Qt::ElideMiddle, room);
+    // An ampersand in a path is no mnemonic.
+    setTitle(QString(fitting).replace(u'&', QLatin1String("&&")));
+    setToolTip(fitting == caption_ ? QString() : caption_);
+}
+
+}  // namespace vkm

@@ -1,0 +1,57 @@
+// The plain widgets of the window, with sizes that follow from their text and
+// font.
+#pragma once
+
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+
+namespace vkm {
+
+// A line of text, as wide as so many digits; 0 takes what width there is.
+class Field final : public QLineEdit {
+  public:
+    void set_columns(int columns);
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+  private:
+    int columns_ = 0;
+};
+
+// Many lines of monospaced text that nobody types into, never smaller than so
+// many rows and columns.
+class TextView final : public QPlainTextEdit {
+  public:
+    TextView();
+    void set_size_in_characters(int rows, int columns);
+    QSize sizeHint() const override { return minimumSizeHint(); }
+    QSize minimumSizeHint() const override;
+
+    // Does what the key does in a text box.
+    void act_on(QKeyEvent& key) { keyPressEvent(&key); }
+
+  private:
+    int rows_ = 4;
+    int columns_ = 20;
+};
+
+// A titled group. Where the title finds no room it ends in "…", and a hint shows
+// it whole: a long path must not widen the window.
+class Group final : public QGroupBox {
+  public:
+    void set_caption(const QString& caption);
+    const QString& caption() const { return caption_; }
+    QSize minimumSizeHint() const override;
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+  private:
+    void fit_title();
+
+    QString caption_;
+};
+
+}  // namespace vkm

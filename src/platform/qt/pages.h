@@ -1,0 +1,20 @@
+// The right half of the window: the buffers and debug panels above, the tools
+// below.
+#pragma once
+
+#include <QWidget>
+
+#include "platform/qt/screen_view.h"
+
+namespace vkm {
+
+// A tab strip and below it its pages, of which one is shown at a time. Each page
+// goes by the Visible of its frame.
+QWidget* make_view_strip(ScreenView& view, Screen& screen, OperatorQueue& queue);
+QWidget* make_tool_strip(ScreenView& view, Screen& screen);
+
+// The page of the serial assistant: the panel fraDebug, a splitter, and beside
+// it what is sent.
+QWidget* make_assistant_page(ScreenView& view, Screen& screen, OperatorQueue& queue);
+
+}  // namespace vkm

@@ -1,0 +1,61 @@
+#include "platform/qt/status_line.h"
+
+#include "platform/qt/form.h"
+#include "platform/qt/text_mapping.h"
+
+namespace vkm {
+namespace {
+
+constexpr const char* closed_text = "已关闭 / closed";
+constexpr const char* for_download = "已打开, 用于下载 / open for the download";
+constexpr const char* for_assistant = "已打开, 用于串口助手 / open for the assistant";
+constexpr const char* no_device = "没有设备 / no device";
+constexpr const char* between = "   ·   ";
+constexpr const char* warning = "⚠ ";
+
+std::string describe(const frmMain& frm, const QtSerialPort& port, const PortRegistry& ports) {
+    const bool open = port.is_open();
+    const int number = open ? port.open_number() : frm.screen.combCommPort.ListIndex + 1;
+    const std::string note = ports.note(number);
+    std::string text = "COM" + std::to_string(number);
+    text.append("  ").append(note.empty() ? no_device : note);
+    text.append(between).append(port.settings());
+    text.append(between).append(!open                 ? closed_text
+                                : frm.link.debug_mode ? for_assistant
+                                                      : for_download);
+    return text;
+}
+
+void set_text(QLabel& label, std::string& shown, std::string text) {
+    if (text == shown) return;
+    shown = std::move(text);
+    label.setText(to_qt(shown));
+    label.setToolTip(label.text());
+}
+
+}  // namespace
+
+StatusLine::StatusLine(QWidget* button) : port_(remark("")), reason_(remark("")) {
+    auto* lines = new QVBoxLayout;
+    for (QLabel* label : {port_, reason_}) {
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        lines->addWidget(label);
+    }
+    auto* line = new QHBoxLayout(this);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->addLayout(lines, 1);
+    line->addWidget(button);
+    QFont bold = reason_->font();
+    bold.setBold(true);
+    reason_->setFont(bold);
+    reason_->hide();
+}
+
+void StatusLine::draw(const frmMain& frm, const QtSerialPort& port, const PortRegistry& ports) {
+    set_text(*port_, port_text_, describe(frm, port, ports));
+    const std::string& reason = port.reason().text;
+    set_text(*reason_, reason_text_, reason.empty() ? std::string() : warning + reason);
+    if (reason_->isHidden() != reason.empty()) reason_->setVisible(!reason.empty());
+}
+
+}  // namespace vkm

@@ -1,0 +1,198 @@
+#include <QCheckBox>
+#include <QComboBox>
+#include <QPushButton>
+
+#include "platform/qt/fields.h"
+#include "platform/qt/fonts.h"
+#include "platform/qt/form.h"
+#include "platform/qt/pages.h"
+
+namespace vkm {
+namespace {
+
+constexpr int address_columns = 6;
+constexpr int number_columns = 10;
+constexpr int widest_page = 120;  // characters; wider forms tear label and field apart
+constexpr int help_rows = 8;
+constexpr int help_columns = 40;
+
+// A page of a tool: its tab shows the caption, so the frame has no title.
+QWidget* page_of(ScreenView& view, Control& frame) {
+    return view.use(frame, new QWidget);
+}
+
+QWidget* pin_choice(ScreenView& view, std::array<Control, 2>& options, Control& pin) {
+    return flow_widget({view(options[0]), view(options[1]), view(pin)});
+}
+
+QWidget* make_options_page(ScreenView& view, Screen& s) {
+    QWidget* page = page_of(view, s.Frame12);
+    auto* fields = form();
+    fields->addRow(view(s.Lab_485_pin), pin_choice(view, s.opt_485_pin, s.comb_485_pin));
+    fields->addRow(view(s.Lab_485_logic),
+                   flow_widget({view(s.opt_485_logic[0]), view(s.opt_485_logic[1])}));
+    fields->addRow(caption("外部看门狗:"),
+                   pin_choice(view, s.opt_External_WDT, s.comb_External_WDT));
+    auto* lines = column(page);
+    lines->addLayout(fields);
+    lines->addStretch();
+    return page;
+}
+
+// The four lists of a serial setting on one line.
+QWidget* serial_setting(ScreenView& view, Control& baud, Control& parity, Control& data_bits,
+                        Control& stop_bits) {
+    return flow_widget({view(baud), view(parity), view(data_bits), view(stop_bits)});
+}
+
+constexpr const char* setting_caption = "波特率, 校验, 数据位, 停止位 / Baud, parity, bits, stop:";
+constexpr const char* user_code_caption = "自定义命令 / User code (HEX):";
+
+QWidget* make_user_code_page(ScreenView& view, Screen& s) {
+    QWidget* page = page_of(view, s.Frame8);
+    auto* fields = form();
+    fields->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    fields->addRow(caption(user_code_caption), view.field(s.txtUserCode, 0));
+    fields->addRow(caption(setting_caption),
+                   serial_setting(view, s.cobUserCodeBaud, s.cobUserCodeParity,
+                                  s.cobUserCodeDataBits, s.cobUserCodeStopBits));
+    auto* lines = column(page);
+    lines->addLayout(fields);
+    lines->addWidget(flow_widget({view(s.comSendUserCode)}));
+    lines->addWidget(flow_widget({view(s.cekReloadFileWhileFileChange1)}));
+    lines->addStretch();
+    return page;
+}
+
+QWidget* make_board_page(ScreenView& view, Screen& s) {
+    QWidget* page = page_of(view, s.Frame18);
+    auto* fields = form();
+    fields->addRow(caption("下载数限量 / Limit of chips:"),
+                   view.field(s.txt_download_max, number_columns));
+    auto* lines = column(page);
+    lines->addLayout(fields);
+    lines->addWidget(flow_widget({view(s.comTJXZ), view(s.com_TJXZ_help)}));
+    lines->addWidget(flow_widget({view(s.Read24C512)}));
+    lines->addStretch();
+    return page;
+}
+
+// The lines are columns of text as they come, one below the other.
+QWidget* make_read_page(ScreenView& view, Screen& s) {
+    QWidget* page = page_of(view, s.Frame4);
+    auto* lines = column(page);
+    lines->addWidget(flow_widget({view(s.comReadChipLock)}));
+    for (Control& label : s.LabLock) {
+        auto* line = static_cast<QLabel*>(view(label));
+        line->setFont(monospaced_font());
+        line->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        lines->addWidget(line);
+    }
+    lines->addStretch();
+    return page;
+}
+
+QWidget* make_number_group(ScreenView& view, Control& frame, Control& enable,
+                           std::array<Control, 4>& texts, std::array<Control, 3>& formats) {
+    QWidget* group = view(frame);
+    auto* lines = column(group);
+    lines->addWidget(view(enable));
+    auto* fields = form();
+    fields->addRow(caption("存放地址(HEX)"), view.field(texts[0], address_columns));
+    fields->addRow(caption("字节数"), view.field(texts[1], address_columns));
+    fields->addRow(caption("下一个值(10进制)"), view.field(texts[2], number_columns));
+    fields->addRow(caption("增量"), view.field(texts[3], address_columns));
+    fields->addRow(caption("下一个值存储格式:"),
+                   flow_widget({view(formats[0]), view(formats[1]), view(formats[2])}));
+    lines->addLayout(fields);
+    return group;
+}
+
+QWidget* make_number_page(ScreenView& view, Screen& s) {
+    QWidget* page = view(s.fraAuto_Increase);
+    auto* groups =
+        flow_widget({make_number_group(view, s.frmAP_FileIncrease, s.cheAuto_Increase,
+                                       s.texAuto_Increase, s.optAuto_Increase),
+                     make_number_group(view, s.frmData_FileIncrease, s.cheData_Auto_Increase,
+                                       s.texData_Auto_Increase, s.optData_Auto_Increase)});
+    auto* lines = column(page);
+    lines->addWidget(remark("改变以下参数后请重新打开文件"));
+    lines->addWidget(groups);
+    lines->addStretch();
+    return page;
+}
+
+QWidget* make_demo_page(ScreenView& view, Screen& s) {
+    QWidget* page = page_of(view, s.Frame11);
+    auto* fields = form();
+    fields->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    fields->addRow(caption("下载 / Download:"),
+                   serial_setting(view, s.cob_DEMO_DownLoad_Baud, s.cob_DEMO_DownLoad_Parity,
+                                  s.cob_DEMO_DownLoad_DataBits, s.cob_DEMO_DownLoad_StopBits));
+    fields->addRow(view(s.che_Demo_DownLoad));
+    fields->addRow(caption("命令 / Code (HEX):"), view.field(s.txt_DEMO_UserCode, 0));
+    fields->addRow(caption("命令 / Code:"),
+                   serial_setting(view, s.cob_DEMO_UserCode_Baud, s.cob_DEMO_UserCode_Parity,
+                                  s.cob_DEMO_UserCode_DataBits, s.cob_DEMO_UserCode_StopBits));
+    fields->addRow(caption("外部看门狗 / Watchdog:"),
+                   pin_choice(view, s.opt_ISP_DEMO_WDT, s.comb_WDT));
+    auto* lines = column(page);
+    lines->addWidget(flow_widget({view(s.com_Demo_DownLoad), view(s.com_Demo_Re_DownLoad),
+                                  view(s.com_Demo_Stop), view.field(s.Text1, 4)}));
+    lines->addLayout(fields);
+    lines->addStretch();
+    return page;
+}
+
+QWidget* make_save_page(ScreenView& view, Screen& s) {
+    QWidget* page = page_of(view, s.Frame9);
+    auto* fields = form();
+    fields->addRow(caption("起始地址 / Start address (HEX):"),
+                   view.field(s.txt_Start_Address, address_columns));
+    fields->addRow(caption("长度 / Length (HEX):"), view.field(s.txt_length, address_columns));
+    auto* lines = column(page);
+    lines->addLayout(fields);
+    lines->addWidget(flow_widget({view(s.comStoreFile)}));
+    lines->addStretch();
+    return page;
+}
+
+QWidget* make_help_page(ScreenView& view, Screen& s) {
+    QWidget* page = page_of(view, s.fraAboutHardWare);
+    column(page)->addWidget(view.text_view(s.texHardWareHelp, help_rows, help_columns));
+    return page;
+}
+
+QWidget* make_softice_page(ScreenView& view, Screen& s) {
+    QWidget* page = page_of(view, s.Frame10);
+    auto* lines = column(page);
+    lines->addWidget(flow_widget({view(s.comDownSoft_ICE)}));
+    lines->addWidget(
+        remark("仿真监控程序取代下载引导码, 之后不能再用 ISP 下载。\n"
+               "The monitor replaces the boot firmware: no further download by ISP."));
+    lines->addStretch();
+    return page;
+}
+
+}  // namespace
+
+QWidget* make_tool_strip(ScreenView& view, Screen& s) {
+    auto* strip = new QWidget;
+    auto* lines = new QVBoxLayout(strip);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(0);
+    lines->addWidget(view(s.TabStrip1));
+    auto* pages = new QWidget;
+    auto* stack = new QVBoxLayout(pages);
+    stack->setContentsMargins(0, 0, 0, 0);
+    for (QWidget* page :
+         {make_options_page(view, s), make_user_code_page(view, s), make_board_page(view, s),
+          make_read_page(view, s), make_number_page(view, s), make_demo_page(view, s),
+          make_save_page(view, s), make_help_page(view, s), make_softice_page(view, s)})
+        stack->addWidget(page);
+    pages->setMaximumWidth(pages->fontMetrics().averageCharWidth() * widest_page);
+    lines->addWidget(scrolling(pages), 1);
+    return strip;
+}
+
+}  // namespace vkm
