@@ -155,6 +155,23 @@ TEST(Handshake, NoLowerBaudIsTriedBelowTheLowestRow) {
     EXPECT_EQ(bench.heard(FrameKind::test_baud), 3);
 }
 
+TEST(Handshake, ACountOfOneIsTheOnlyRateTried) {
+    for (const int lost : {2, 3}) {
+        Bench bench({.model = "VKM26H2052",
+                     .clock_hz = 1843200,
+                     .faults = {lose_reply(FrameKind::test_baud, lost)}});
+        bench.run();
+        EXPECT_EQ(bench.heard(FrameKind::test_baud), 3);
+        if (lost == 2) {
+            bench.expect_connected();
+            EXPECT_EQ(bench.newbaud, 115200);
+            EXPECT_EQ(bench.last_heard(FrameKind::set_baud)[7], 0xFF);
+        } else {
+            bench.expect_failure_told();
+        }
+    }
+}
+
 TEST(Handshake, TheSetIsTriedThreeTimes) {
     for (const int lost : {1, 2}) {
         ChipConfig config;

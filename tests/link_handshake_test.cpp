@@ -364,10 +364,11 @@ TEST(Handshake, AStatusFrameThatWasLostDamagedOrCutComesAgain) {
         }
 }
 
-TEST(Handshake, ReceivingIsOnFromTheFirstPulse) {
+TEST(Handshake, ReceivingIsOnAndNoHeaderIsHuntedFromTheFirstPulse) {
     Bench bench;
     bench.frm.link.receive_enabled = false;
     bench.frm.link.hunt_header = true;
+    bench.at(50, [&] { EXPECT_FALSE(bench.frm.link.hunt_header); });
     bench.run();
     bench.expect_connected();
 }

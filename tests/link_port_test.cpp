@@ -6,6 +6,7 @@
 #include <string>
 
 #include "link/frames.h"
+#include "link/handshake.h"
 #include "link/isp_link.h"
 #include "support/virtual_world.h"
 #include "waiting/waiting.h"
@@ -127,7 +128,11 @@ struct OddPort : ForwardingPort {
         ++close_calls;
         if (close_calls > stubborn) below_.close();
     }
+    bool set_settings(std::string_view settings) override {
+        return !refuses_settings && below_.set_settings(settings);
+    }
     bool never_opens = false;
+    bool refuses_settings = false;
     int stubborn = 0;  // closes that have no effect
     int close_calls = 0;
 };
@@ -157,6 +162,15 @@ TEST(LinkOddPort, CloseTriesThreeTimesAtMost) {
     world.odd.stubborn = 99;
     EXPECT_TRUE(close_port(world.frm));
     EXPECT_EQ(world.odd.close_calls, 3);
+}
+
+TEST(LinkOddPort, RefusedSettingsAreAFailureToOpen) {
+    OddWorld world;
+    world.odd.refuses_settings = true;
+    std::int32_t newbaud = 0;
+    EXPECT_EQ(handshake(world.frm, newbaud, false), -1);
+    EXPECT_TRUE(world.frm.screen.textMsg.Text.starts_with("\r\nOpen COM port failure! / "));
+    EXPECT_EQ(world.sounder.beeps(), 3);
 }
 
 TEST_F(LinkPort, CloseTurnsThePictureToItsClosedLook) {

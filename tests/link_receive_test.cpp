@@ -170,6 +170,10 @@ TEST_F(Receive, ALeftoverB9DoesNotStandForTheHunt) {
     EXPECT_EQ(take(reply(ack, false, false)), Gathered::incomplete);
     EXPECT_EQ(link.rx_count, 0);
     EXPECT_EQ(take(reply(ack)), Gathered::frame);
+    // Nor does it complete a 46 that noise brings.
+    begin_exchange();
+    link.seen_B9 = true;
+    EXPECT_EQ(take(Bytes{0x46, 0x68, 0x00, 0x0B} + reply(ack)), Gathered::frame);
 }
 
 TEST_F(Receive, BytesAreLostWhileReceivingIsOff) {

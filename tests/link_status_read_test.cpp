@@ -121,6 +121,24 @@ TEST(StatusRead, PlugsAreCalledInTheirOrder) {
     EXPECT_EQ(calls, "compose read compose info panel ");
 }
 
+TEST(StatusRead, AFamilyThatStoresNothingRefreshesNothing) {
+    ConnectedBench bench({.model = "VKM47H516RK"});
+    calls.clear();
+    bench.frm.link.Compose_Options = [](frmMain&) { calls += "compose "; };
+    bench.frm.link.Read_All_Options = [](frmMain&) { calls += "read "; };
+    Read_Chip_Status(bench.frm, 0);
+    EXPECT_TRUE(bench.frm.link.Status_Read_OK);
+    EXPECT_EQ(calls, "compose compose ");
+}
+
+TEST(StatusRead, TurnsReceivingOn) {
+    ConnectedBench bench;
+    bench.frm.link.receive_enabled = false;
+    Read_Chip_Status(bench.frm, 0);
+    EXPECT_TRUE(bench.frm.link.Status_Read_OK);
+    EXPECT_EQ(bench.heard(FrameKind::status_read), 1);
+}
+
 TEST(StatusRead, ThreeTriesOf900MillisecondsThenNothingIsChanged) {
     ConnectedBench bench;
     bench.chip.add_fault(lose_reply(FrameKind::status_read, 0));
