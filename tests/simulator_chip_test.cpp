@@ -523,11 +523,11 @@ TEST(SimulatedChip, CanTurnBitsOfItsFlashToZeroOnlyUntilTheSectorIsErased) {
 TEST(SimulatedChip, TellsAnUnerasedByteEvenWhereTheSumWouldHideIt) {
     ChipDriver driver(chip_of("VKM47H58RK+"));
     driver.connect();
-    driver.exchange(block_frame(0x00, 0, {0x00, 0xFF}));
-    // The flash comes to 00 01, wanted is 01 00; the sums agree.
-    driver.chip.load_flash(Bytes{0x00, 0x01});
-    const Heard ack = driver.exchange(block_frame(0x00, 0, {0x01, 0x01}));
-    EXPECT_NE(field(ack, 4), 0x02);
+    // The two bits that are missing make 256 together.
+    driver.chip.load_flash(Bytes{0x00, 0x00});
+    const Heard ack = driver.exchange(block_frame(0x00, 0, {0x80, 0x80}));
+    EXPECT_EQ(field(ack, 3), 0x80);
+    EXPECT_NE(field(ack, 4), 0x00);
 }
 
 TEST(SimulatedChip, RefusesBlocksThatDoNotFit) {
@@ -646,6 +646,9 @@ TEST(SimulatedChip, OfTheOldestFirmwareErasesAsItWrites) {
     EXPECT_TRUE(driver.chip.faults().empty());
     EXPECT_EQ(driver.chip.flash()[0x02FF], 0xAA);
     EXPECT_EQ(driver.chip.flash()[0x0300], 0x00);
+    // A frame that reaches into the next sector erases that one too.
+    EXPECT_EQ(field(driver.exchange(block_frame(0x00, 0x0440, data)), 4), sum(data));
+    EXPECT_EQ(driver.chip.flash()[0x04FF], 0xFF);
 }
 
 // ---- the end ------------------------------------------------------------------------------
@@ -707,6 +710,18 @@ TEST(SimulatedChip, MakesPlaceForABlankOneOnceItsProgramRuns) {
     EXPECT_EQ(driver.chip.counters().chips, 2);
     EXPECT_EQ(driver.chip.flash()[0], 0xFF);
     expect_sound(driver.connect());
+}
+
+TEST(SimulatedChip, StaysOffWhenAHandHasSwitchedItOff) {
+    ChipConfig config = chip_of("VKM47H58RK+");
+    config.after_start = {true, 300ms, 200ms, false};
+    ChipDriver driver(config);
+    bring_to_full_rate(driver);
+    driver.exchange(short_frame({0x52, 2, 0, 0x36, 0x01}));
+    driver.chip.power_cycle(driver.now, 10ms);
+    driver.chip.power_off(driver.now);
+    driver.advance_to(driver.now + 10s);
+    EXPECT_EQ(driver.chip.state(), ChipState::off);
 }
 
 TEST(SimulatedChip, StopsInTheMiddleOfAnAnswerWhenItLosesPower) {
