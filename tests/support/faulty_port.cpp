@@ -88,6 +88,7 @@ std::vector<std::uint8_t> FaultyPort::read() {
 }
 
 std::size_t FaultyPort::input_count() const {
+    // What came in meets its fault before it is counted.
     const_cast<FaultyPort*>(this)->take_in();
     return is_open() ? input_.size() : 0;
 }
