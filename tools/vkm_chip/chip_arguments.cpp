@@ -168,7 +168,7 @@ const Option options[] = {
      [](ChipArguments& a, std::string_view v) { return set_after_start(a, v, false); }},
     {"--fresh-chip-after-done", "S", "the same, with a blank chip in its place",
      [](ChipArguments& a, std::string_view v) { return set_after_start(a, v, true); }},
-    {"--fault", "SPEC", "does something wrong, see below; may be told several times",
+    {"--fault", "FAULT", "does something wrong, see below; may be told several times",
      [](ChipArguments& a, std::string_view v) {
          const auto fault = parse_fault(v);
          if (fault) a.config.faults.push_back(*fault);
@@ -236,7 +236,7 @@ constexpr std::string_view help_tail =
     "  cycle [MS]          power off, and on again MS later (200)\n"
     "  new                 a blank chip in its place, with power\n"
     "  pull, plug          the cable out, and in again with a new terminal\n"
-    "  fault SPEC          one more fault, counted from now on\n"
+    "  fault FAULT         one more fault, counted from now on\n"
     "  no-faults           forgets all faults\n"
     "  flash FILE          writes what the flash holds\n"
     "  load FILE           fills the flash\n"
