@@ -7,11 +7,23 @@
 #include <linux/serial.h>
 #include <poll.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 #endif
 
 namespace vkm {
 
 #ifdef __linux__
+
+bool shifts_bits(const char* path) {
+    // Numbers that the kernel keeps for the near ends of pseudo-terminals.
+    constexpr unsigned first_pseudo_terminal = 136;
+    constexpr unsigned last_pseudo_terminal = 143;
+    struct stat device {};
+    if (::stat(path, &device) != 0) return true;
+    const unsigned kind = major(device.st_rdev);
+    return kind < first_pseudo_terminal || kind > last_pseudo_terminal;
+}
 
 std::optional<double> actual_baud(int device) {
     termios2 settings{};
@@ -40,6 +52,10 @@ bool is_alive(int device) {
 }
 
 #else
+
+bool shifts_bits(const char*) {
+    return true;
+}
 
 std::optional<double> actual_baud(int) {
     return {};

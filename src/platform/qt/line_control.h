@@ -6,6 +6,10 @@
 
 namespace vkm {
 
+// The device shifts bits out, so that parity, data and stop bits mean something
+// to it. A pseudo-terminal doesn't, and takes no other than its own.
+bool shifts_bits(const char* path);
+
 // The rate that an open device really runs at; nothing where the system won't tell.
 std::optional<double> actual_baud(int device);
 

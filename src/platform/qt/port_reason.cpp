@@ -33,8 +33,15 @@ constexpr const char* other               =   "%1: 打不开 / will not open: %2
 constexpr const char* another_program     =   "另一程序 / another program";
 // clang-format on
 
+std::string filled(const char* text, const QString& port, const QString& more) {
+    return QString::fromUtf8(text)
+        .replace(QLatin1String("%1"), port)
+        .replace(QLatin1String("%2"), more)
+        .toStdString();
+}
+
 PortReason reason(const ReasonText& row, const QString& port, const QString& more = {}) {
-    return {row.error, QString::fromUtf8(row.text).arg(port, more).toStdString()};
+    return {row.error, filled(row.text, port, more)};
 }
 
 #ifdef Q_OS_UNIX
@@ -105,9 +112,7 @@ PortReason ask_the_system(const QString& port, const FailedOpen& failed) {
         case EIO:
             return reason(lost, port);
         default:
-            return {error, QString::fromUtf8(other)
-                               .arg(port, QString::fromLocal8Bit(std::strerror(error)))
-                               .toStdString()};
+            return {error, filled(other, port, QString::fromLocal8Bit(std::strerror(error)))};
     }
 }
 

@@ -1,5 +1,6 @@
 #include "platform/qt/qt_serial_port.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <algorithm>
 #include <cerrno>
@@ -89,7 +90,9 @@ int QtSerialPort::open() {
     if (is_open()) return EBUSY;
     close();
     const std::string device = ports_.device(number_);
-    port_.setPortName(location_of(device));
+    const QString location = location_of(device);
+    port_.setPortName(location);
+    shifts_bits_ = shifts_bits(QFile::encodeName(location).constData());
     const PortSettings wanted = *parse_port_settings(settings_);
     apply(wanted);
     if (device.empty() || !port_.open(QIODevice::ReadWrite)) {
@@ -174,10 +177,11 @@ int QtSerialPort::refuse(PortReason reason) {
 
 // On a closed port it takes effect when the port opens.
 bool QtSerialPort::apply(const PortSettings& settings) {
-    const bool taken = port_.setBaudRate(settings.baud) &&
-                       port_.setDataBits(QSerialPort::DataBits(settings.data_bits)) &&
-                       port_.setParity(parity_of(settings.parity)) &&
-                       port_.setStopBits(stop_bits_of(settings.stop_bits));
+    const PortSettings device = shifts_bits_ ? settings : PortSettings{settings.baud};
+    const bool taken = port_.setBaudRate(device.baud) &&
+                       port_.setDataBits(QSerialPort::DataBits(device.data_bits)) &&
+                       port_.setParity(parity_of(device.parity)) &&
+                       port_.setStopBits(stop_bits_of(device.stop_bits));
     if (!taken) {
         port_.clearError();
         return false;

@@ -68,6 +68,7 @@ class QtSerialPort final : public SerialPort {
     const PortRegistry& ports_;
     QSerialPort port_;
     bool lost_ = false;  // the device went away, and port_ isn't closed yet
+    bool shifts_bits_ = true;
     int number_ = 1;
     int open_number_ = 0;
     int read_length_ = 0;

@@ -1,0 +1,13 @@
+# Suites that need Qt. They draw off screen.
+function(vkm_qt_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR}/tools)
+  target_link_libraries(${name} PRIVATE vkm_qt ${ARG_LIBS} GTest::gtest_main)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
+    PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()
+
+vkm_qt_test(qt_port_test
+  SOURCES qt_contract_test.cpp qt_serial_port_test.cpp qt_pseudo_terminal.cpp)
