@@ -358,14 +358,16 @@ TEST(Connect, StopsReadingTheOptionsAtOnce) {
 
 TEST(Connect, ForTheLockAloneReadsAndEndsTheSession) {
     SessionBench bench;
-    bench.frm.session.Clear_Read_Lines = [](frmMain& frm) { frm.screen.LabLock[0].Caption = "-"; };
+    bench.frm.session.Clear_Read_Lines = [](frmMain& frm) {
+        frm.screen.LabLock[0].Caption.assign("clear");
+    };
     Set_UI_State(bench.frm, 1);
     Connect_MCU(bench.frm, true);
     EXPECT_FALSE(bench.frm.session.Connected);
     EXPECT_TRUE(bench.frm.link.Status_Read_OK);
     EXPECT_EQ(bench.frm.session.UI_State, 0);
     EXPECT_FALSE(bench.port.is_open());
-    EXPECT_EQ(bench.frm.screen.LabLock[0].Caption, "-");
+    EXPECT_EQ(bench.frm.screen.LabLock[0].Caption, "clear");
     EXPECT_EQ(bench.frm.session.Result, Job_Result::none);
     EXPECT_EQ(bench.log(),
               "\r\nWe are trying to connect to your MCU ... "

@@ -103,7 +103,7 @@ TEST(FaultSweep, AFrameThatGoesWrongOnItsWayToTheChip) {
 }
 
 TEST(FaultSweep, AByteThatGoesWrongOnItsWayToTheTool) {
-    for (const Chip& chip : chips) {
+    for (const Chip& chip : {chips[0], chips[2], chips[4]}) {
         for (const auto& [name, fault] : port_faults) {
             Outcomes outcomes;
             bool struck = true;

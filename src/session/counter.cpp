@@ -24,7 +24,8 @@ std::string one_more(std::string_view count) {
                                                     [](char c) { return c >= '0' && c <= '9'; });
     if (!whole) return shortest_decimal(leading_number(text) + 1);
 
-    std::string digits = "0" + std::string(text);
+    std::string digits(1, '0');
+    digits += text;
     std::size_t place = digits.size() - 1;
     for (; digits[place] == '9'; --place) digits[place] = '0';
     ++digits[place];

@@ -39,11 +39,12 @@ bool has_file(frmMain& frm) {
     return false;
 }
 
-// False when the operator then refused the file.
+// Only the program file is read again, also when a data file was chosen after
+// it. False when the operator then refused the file.
 bool reload_file(frmMain& frm) {
     if (frm.screen.cekReloadFile.Value == 0) return true;
     Check_Last_File(frm);
-    const std::string path = frm.images.Current_File;
+    const std::string path = frm.images.Program_File;
     Load_File(frm, path, frm.images.AP_Buffer);
     return has_file(frm);
 }
@@ -212,6 +213,8 @@ void comDownload(frmMain& frm, int Index) {
     close_assistant_port(frm);
     if (!has_file(frm) || !reload_file(frm)) return;
     patch_touched_numbers(frm);
+    // The window may have been closed behind a box of the steps before.
+    if (frm.link.close_pending) return;
     begin_session(frm);
     bool good = program_one_chip(frm);
     while (good && Index == 1) {

@@ -31,8 +31,6 @@ bool send_erase(frmMain& frm, const Frame& frame) {
     for (int attempt = 0; attempt < attempts; ++attempt) {
         frm.link.receive_enabled = true;
         wait_ms(frm, settle_before_ms);
-        // A late answer to the link check must not pass for an erased flash.
-        reset_receive(frm);
         write_and_settle(frm, frame);
         if (wait_for_frame(frm, answer_ms)) return true;
     }
@@ -52,8 +50,14 @@ void Erase_Application(frmMain& frm) {
     const std::int64_t begin = frm.platform.wall_clock.seconds();
     frm.session.Erase_Time.clear();
     Restart_Port(frm);
-    if (send_erase(frm, erase_frame(frm))) note_erase_time(frm, begin);
+    // A late answer to the link check must not pass for an erased flash. Between the
+    // attempts nothing is forgotten: the answer to the one before is as good.
+    reset_receive(frm);
+    const bool erased = send_erase(frm, erase_frame(frm));
+    if (erased) note_erase_time(frm, begin);
     wait_ms(frm, settle_after_ms);
+    // An answer that comes only now comes too late: it has been given up.
+    frm.link.frame_ok = erased;
 }
 
 }  // namespace vkm

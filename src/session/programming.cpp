@@ -69,13 +69,15 @@ void report_failure(frmMain& frm) {
 }
 
 void tell_cut(frmMain& frm, std::int32_t end) {
-    const std::string kilo = std::to_string((end + 511) / 1024) + "K";
-    append_message(frm.screen, "Enable " + kilo + " file size for this Version firmware.");
-    frm.session.Cut_Note = "(Downloaded " + kilo + " only)";
-    frm.session.Cut_Note_CN = "(有一部分数据未下载)。";
-    if (!frm.screen.Show_English)
-        append_to_last_line(frm.screen, "\r\n\r\nChinese:此版本固件最多可编程 " + kilo +
-                                            ", 您的文件已超长，\r\n        超长部分不下载。\r\n");
+    using namespace session_text;
+    const std::string kilo = std::to_string((end + 511) / 1024);
+    const auto around_kilo = [&](std::span<const std::string_view, 2> pieces) {
+        return std::string(pieces[0]) + kilo + std::string(pieces[1]);
+    };
+    append_message(frm.screen, around_kilo(cut_at));
+    frm.session.Cut_Note = around_kilo(cut_note);
+    frm.session.Cut_Note_CN = cut_note_CN;
+    if (!frm.screen.Show_English) append_to_last_line(frm.screen, around_kilo(cut_at_CN));
     scroll_log_to_end(frm.screen);
 }
 

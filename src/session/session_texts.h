@@ -2,6 +2,7 @@
 // in "(End: " are followed by the time of day and ")".
 #pragma once
 
+#include "link/link_texts.h"
 #include "screen/message_text.h"
 
 namespace vkm::session_text {
@@ -15,7 +16,7 @@ inline constexpr MessageText block0_locked = {
     "Because Block1 to write Block0 is disable, so program can not continue.",
     "Because Block1 to write Block0 is disable, so program can not continue.\r\n"
     "Chinese:因为由 block1 对 block0 编程已被禁止, 所以不能继续下载程序。"};
-inline constexpr MessageText stopped = {"Operation is stop. ", "Operation is stop. / 操作被停止."};
+inline constexpr MessageText stopped = link_text::stopped;
 inline constexpr MessageText program_ok = {"Program OK", "Program OK / 下载 OK"};
 inline constexpr MessageText verify_ok = {"Verify  OK ( Total: ", "Verify  OK / 校验 OK "};
 inline constexpr std::string_view erase_times = "erase times/擦除时间 :  ";
@@ -30,8 +31,7 @@ inline constexpr std::string_view next_chip_CN = "Chinese:几秒钟后将继续�
 inline constexpr MessageText connecting = {"We are trying to connect to your MCU ... ",
                                            "We are trying to connect to your MCU ... \r\n"
                                            "Chinese:正在尝试与 MCU/单片机 握手连接 ... "};
-inline constexpr MessageText handshake_failed = {"Handshake is failed. (End: ",
-                                                 "Handshake is failed. / 握手失败 (End: "};
+inline constexpr MessageText handshake_failed = link_text::handshake_failed_at;
 inline constexpr MessageText baud_now = {"Now baud is: ", "Now baud is: / 当前波特率为: "};
 inline constexpr MessageText wrong_model = {"MCU Type is wrong. ",
                                             "MCU Type is wrong. / MCU 型号错, 请重选"};
@@ -61,6 +61,13 @@ inline constexpr MessageText program_failed = {"Program is failure. (End: ",
                                                "Program is failure. / 下载失败 (End: "};
 inline constexpr MessageText program_advice = {
     "Try to use the lower baud. ", "Try to use the lower baud. / 请尝试用稍低的波特率下载。"};
+
+// The cut at the boot firmware: kilobytes stand between the two pieces.
+inline constexpr std::string_view cut_at[] = {"Enable ", "K file size for this Version firmware."};
+inline constexpr std::string_view cut_at_CN[] = {
+    "\r\n\r\nChinese:此版本固件最多可编程 ", "K, 您的文件已超长，\r\n        超长部分不下载。\r\n"};
+inline constexpr std::string_view cut_note[] = {"(Downloaded ", "K only)"};
+inline constexpr std::string_view cut_note_CN = "(有一部分数据未下载)。";
 
 // ---- the verdict beside the counter: a sign, so that it never speaks by colour alone ----
 inline constexpr MessageText verdict_running = {"… Running", "… Running / 正在进行"};
