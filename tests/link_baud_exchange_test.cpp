@@ -51,10 +51,11 @@ TEST(BaudExchange, ARateThatTheDeviceRefusesIsNotWaitedFor) {
     EXPECT_EQ(alone.port.settings(), "1200,n,8,1");
 }
 
-TEST(BaudExchange, ATestOpensAClosedPort) {
+TEST(BaudExchange, ATestOpensAClosedPortAndTurnsReceivingOn) {
     Bench bench;
     ASSERT_EQ(bench.run(true), 0);
     close_port(bench.frm);
+    bench.frm.link.receive_enabled = false;
     EXPECT_TRUE(test_new_baud(bench.frm, "115200", 0xFF, 0xFD));
 }
 

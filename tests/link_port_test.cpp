@@ -123,7 +123,10 @@ TEST_F(LinkPort, OpenHandsOnTheSystemsErrorNumber) {
 // A port whose calls don't do what they are asked for.
 struct OddPort : ForwardingPort {
     using ForwardingPort::ForwardingPort;
-    int open() override { return never_opens ? 0 : below_.open(); }
+    int open() override {
+        ++open_calls;
+        return open_calls <= ineffective_opens ? 0 : below_.open();
+    }
     void close() override {
         ++close_calls;
         if (close_calls > stubborn) below_.close();
@@ -131,7 +134,8 @@ struct OddPort : ForwardingPort {
     bool set_settings(std::string_view settings) override {
         return !refuses_settings && below_.set_settings(settings);
     }
-    bool never_opens = false;
+    int ineffective_opens = 0;
+    int open_calls = 0;
     bool refuses_settings = false;
     int stubborn = 0;  // closes that have no effect
     int close_calls = 0;
@@ -145,7 +149,7 @@ struct OddWorld : VirtualPlatform {
 
 TEST(LinkOddPort, OpenWithoutErrorAndWithoutSuccessIsMinusOne) {
     OddWorld world;
-    world.odd.never_opens = true;
+    world.odd.ineffective_opens = 99;
     EXPECT_EQ(open_port(world.frm), -1);
     EXPECT_EQ(send_trigger(world.frm, 0x82), -1);
 }
@@ -171,6 +175,18 @@ TEST(LinkOddPort, RefusedSettingsAreAFailureToOpen) {
     EXPECT_EQ(handshake(world.frm, newbaud, false), -1);
     EXPECT_TRUE(world.frm.screen.textMsg.Text.starts_with("\r\nOpen COM port failure! / "));
     EXPECT_EQ(world.sounder.beeps(), 3);
+}
+
+TEST(LinkOddPort, TheHandshakeTriesTwiceMoreToOpenASluggishPort) {
+    for (const int ineffective : {2, 3, 4}) {
+        OddWorld world;
+        world.odd.ineffective_opens = ineffective;  // the first is that of the clearing
+        world.loop.after(milliseconds(100), [&] { world.frm.link.stop_requested = true; });
+        std::int32_t newbaud = 0;
+        EXPECT_EQ(handshake(world.frm, newbaud, false), -1);
+        EXPECT_EQ(world.port.written.empty(), ineffective == 4) << ineffective;
+        EXPECT_EQ(world.frm.screen.textMsg.Text, "\r\nOperation is stop. / 操作被停止.");
+    }
 }
 
 TEST_F(LinkPort, CloseTurnsThePictureToItsClosedLook) {
@@ -587,9 +603,10 @@ TEST_F(LinkPort, ACommandThatIsNoTriggerSendsNothing) {
     EXPECT_TRUE(port.written.empty());
 }
 
-TEST_F(LinkPort, ATriggerWithoutAPortFails) {
+TEST_F(LinkPort, ATriggerToAPortThatTheSystemRefusesIsLost) {
     port.present.clear();
-    EXPECT_EQ(send_trigger(frm, 0x82), -1);
+    EXPECT_EQ(send_trigger(frm, 0x82), 0);
+    EXPECT_TRUE(port.written.empty());
 }
 
 }  // namespace

@@ -255,12 +255,10 @@ TEST_F(Receive, LengthsShorterThanTheirOwnFieldEndAsBadFrames) {
         }
 }
 
-TEST_F(Receive, ALengthOfZeroNeverCompletes) {
-    EXPECT_EQ(take({0x68, 0x00, 0x00}), Gathered::incomplete);
-    for (int i = 0; i < 100; ++i) EXPECT_EQ(take(Bytes(100, 0x16)), Gathered::incomplete);
-    EXPECT_EQ(link.rx_count, rx_frame_size);
+TEST_F(Receive, ALengthOfZeroCompletesNoFrameAndLeavesTheLinkHearing) {
+    EXPECT_EQ(take({0x68, 0x00, 0x00}), Gathered::bad_mark);
+    EXPECT_EQ(link.rx_count, 0);
     EXPECT_FALSE(link.frame_ok);
-    begin_exchange();
     EXPECT_EQ(take(reply(ack)), Gathered::frame);
 }
 

@@ -17,6 +17,7 @@ TEST(ReadLock, ALongStatusFrameNeedsNoOtherFrame) {
     EXPECT_EQ(bench.chip.counters().frames, 0);
     EXPECT_EQ(bench.port.settings(), "1200,n,8,1");
     EXPECT_TRUE(bench.port.is_open());
+    EXPECT_EQ(bench.port.output_count(), 0U);  // pulses that were unsent are dropped
     EXPECT_EQ(bench.log(), "");
 }
 

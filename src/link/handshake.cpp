@@ -248,7 +248,8 @@ int settle_trigger_link(frmMain& frm, std::int32_t& newbaud) {
     bool accepted = false;
     for (int tries = 0; tries < test_tries && !accepted; ++tries)
         accepted = test_new_baud(frm, no_new_baud, 0, 0);
-    if (!accepted) return frm.link.stop_requested ? tell_stopped(frm) : tell_failed(frm);
+    if (frm.link.stop_requested) return tell_stopped(frm);
+    if (!accepted) return tell_failed(frm);
     newbaud = trigger_baud_rate;
     Keep_Baud_Pair(frm);
     return succeeded;

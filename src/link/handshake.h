@@ -9,7 +9,7 @@ namespace vkm {
 
 // 0 with the baud that the link now uses in newbaud, or -1. With
 // ReadChipLock_just only the chip's options are wanted: it ends at the base
-// baud. The port stays open in every outcome; the caller closes it.
+// baud. Whatever the outcome, the caller closes the port.
 int handshake(frmMain& frm, std::int32_t& newbaud, bool ReadChipLock_just);
 
 // One exchange of the status read, up to three tries; `flag` goes on to the

@@ -22,7 +22,9 @@ namespace vkm {
 void set_port_defaults(frmMain& frm);
 
 // Closes the port if it is open, takes the number from combCommPort and opens
-// it. 0 open, -1 not open without an error, else the system's error number.
+// it. 0 when it is open afterwards, not_open when it is not and no error was
+// told, else the system's positive error number.
+inline constexpr int not_open = -1;
 int open_port(frmMain& frm);
 
 // True if the port still reports open after three tries. Also turns the port's
@@ -76,8 +78,9 @@ void send_command(frmMain& frm, std::uint8_t command, std::int32_t timeout_ms,
 // A short command of the 5A A5 class, once the output is empty and 20 ms later.
 void send_demo_command(frmMain& frm, std::uint8_t command);
 
-// The trigger, opening the port if it is closed. 0, or -1 when the command is no
-// trigger or the port won't open.
+// The trigger, opening the port if it is closed. -1 when the command is no
+// trigger or open_port gives not_open, else 0: on a port that the system refuses
+// the bytes are lost, as on any closed port.
 int send_trigger(frmMain& frm, std::uint8_t command);
 
 // ---- waiting for a reply --------------------------------------------------

@@ -9,7 +9,6 @@ constexpr int read_all = 0;
 constexpr int close_tries = 3;
 constexpr int restart_open_tries = 3;
 constexpr std::size_t base_baud_digits = 4;
-constexpr int not_open = -1;
 
 // Port numbers count from 1, the entries of the list from 0.
 void take_port_number(frmMain& frm) {

@@ -57,9 +57,11 @@ enum class Length { unknown, incomplete, complete, impossible };
 Length judge_length(LinkState& link, int known_from) {
     if (link.rx_count < known_from) return Length::unknown;
     link.rx_expected = at(link, known_from - 2) * 256 + at(link, known_from - 1);
-    if (link.rx_expected > rx_frame_size) return Length::impossible;
-    if (link.rx_expected == 0 || link.rx_count < link.rx_expected) return Length::incomplete;
-    if (link.rx_expected < shortest_frame) return Length::impossible;
+    // No frame has such a length: it came out of noise, which would otherwise keep
+    // the link deaf (a line that breaks at power-up reads as zeros).
+    if (link.rx_expected < shortest_frame || link.rx_expected > rx_frame_size)
+        return Length::impossible;
+    if (link.rx_count < link.rx_expected) return Length::incomplete;
     return Length::complete;
 }
 

@@ -117,7 +117,7 @@ int send_trigger(frmMain& frm, std::uint8_t command) {
     const auto trigger = build_trigger(command);
     if (!trigger) return -1;
     set_port_defaults(frm);
-    if (!frm.platform.port.is_open() && open_port(frm) != 0) return -1;
+    if (!frm.platform.port.is_open() && open_port(frm) == not_open) return -1;
     frm.link.rx_count = 0;
     frm.link.frame_ok = false;
     write_frame(frm, *trigger);
