@@ -41,13 +41,14 @@ TEST_F(LookUp, SetsSmallBlocksAndTheDebugMonitorForFamily0) {
     EXPECT_EQ(frm.catalogue.SoftICE_File, "");
 }
 
-TEST_F(LookUp, SetsTheFormValuesWhicheverRecordItFills) {
+TEST_F(LookUp, KeepsTheFormValuesOfTheChosenModelWhenItFillsAnotherRecord) {
     Find_Model(frm, "VKM47H58RK", model);
     Find_Model(frm, "VKM47H51RB", frm.catalogue.Chip_Info);
     EXPECT_EQ(model.MCU_Name, "VKM47H58RK");
     EXPECT_EQ(frm.catalogue.Chip_Info.MCU_Name, "VKM47H51RB");
-    EXPECT_EQ(frm.catalogue.Block_Size, 512);
-    EXPECT_FALSE(frm.catalogue.SoftICE_Enable);
+    EXPECT_EQ(frm.catalogue.Block_Size, 128);
+    EXPECT_TRUE(frm.catalogue.SoftICE_Enable);
+    EXPECT_EQ(frm.catalogue.SoftICE_File, "VKM58_2003.ROM");
 }
 
 TEST_F(LookUp, LeavesTheComputedAddressToTheTick) {
@@ -96,7 +97,6 @@ TEST_F(LookUp, FindsTheOlderRowOfA54xxByItsOldCode) {
     EXPECT_EQ(frm.catalogue.Chip_Info.Data_End, 12287);
     EXPECT_EQ(frm.catalogue.Chip_Info.Code_Top, 12288);
     EXPECT_EQ(frm.catalogue.Chip_Info.Old_ID, "");
-    EXPECT_EQ(frm.catalogue.Block_Size, 512);
     EXPECT_EQ(model.MCU_Name, "");
 }
 

@@ -27,18 +27,45 @@ const std::set<std::string> not_busy = {
     "comUnlockOptions", "com_Demo_DownLoad", "com_Demo_Re_DownLoad", "comReadChipLock"};
 const std::set<std::string> busy_only = {"comStop_Download", "com_Demo_Stop"};
 
+// What Save File, the debug monitor and the data image ask for beside an idle tool.
+void grant_own_conditions(frmMain& frm) {
+    frm.screen.txt_Start_Address.Text = "0000";
+    frm.screen.txt_length.Text = "400";
+    frm.catalogue.SoftICE_Enable = true;
+    frm.screen.comLoadDataFile.Enabled = true;
+}
+
+TEST(UIState, LeavesOffWhatLacksMoreThanAnIdleTool) {
+    VirtualWorld world;
+    Screen& screen = world.frm.screen;
+    grant_own_conditions(world.frm);
+    Set_UI_State(world.frm, 0);
+    EXPECT_TRUE(screen.comStoreFile.Enabled);
+    EXPECT_TRUE(screen.comDownSoft_ICE.Enabled);
+    EXPECT_TRUE(screen.cheClearDataBuffer.Enabled);
+    screen.txt_Start_Address.Text.clear();
+    world.frm.catalogue.SoftICE_Enable = false;
+    screen.comLoadDataFile.Enabled = false;
+    Set_UI_State(world.frm, 0);
+    EXPECT_FALSE(screen.comStoreFile.Enabled);
+    EXPECT_FALSE(screen.comDownSoft_ICE.Enabled);
+    EXPECT_FALSE(screen.cheClearDataBuffer.Enabled);
+}
+
 TEST(UIState, EnablesEachControlByTheState) {
     for (const bool before : {false, true}) {
         for (std::int16_t state :
              {std::int16_t{0}, std::int16_t{1}, std::int16_t{2}, std::int16_t{3}}) {
             VirtualWorld world;
             for_each_control(world.frm.screen, [&](Control& c) { c.Enabled = before; });
+            grant_own_conditions(world.frm);
             Set_UI_State(world.frm, state);
             EXPECT_EQ(world.frm.session.UI_State, state);
             std::map<std::string, int> seen;
             for_each_control(world.frm.screen, [&](Control& c) {
                 const std::string name(c.Name);
                 bool wanted = before;  // the state says nothing of the others
+                if (name == "comLoadDataFile") wanted = true;
                 if (idle_only.contains(name)) wanted = state == 0;
                 if (not_busy.contains(name)) wanted = state == 0 || state == 2;
                 if (busy_only.contains(name)) wanted = state == 1 || state == 3;

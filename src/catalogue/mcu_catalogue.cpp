@@ -23,6 +23,9 @@ std::string take(frmMain& frm, std::optional<MCU_Record> found, MCU_Record& reco
     CatalogueState& catalogue = frm.catalogue;
     found->ISP_Start = record.ISP_Start;
     record = *std::move(found);
+    // These follow the operator's choice. The record of the chip that answered, or
+    // of an old code, must not change how the chosen model is programmed.
+    if (&record != &catalogue.MCU_Info) return record.MCU_Name;
     catalogue.SoftICE_File = trimmed(record.SoftICE_ROM);
     catalogue.SoftICE_Enable = !catalogue.SoftICE_File.empty();
     catalogue.Block_Size = record.MCU_Family == 0 ? block_size_family_0 : block_size;

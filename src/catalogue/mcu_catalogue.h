@@ -18,8 +18,8 @@
 
 namespace vkm {
 
-// Fills the record with the model of this name, its ISP_Start excepted, and sets
-// Block_Size and the SoftICE values by it, whichever record it is; the name.
+// Fills the record with the model of this name, its ISP_Start excepted; the name.
+// For the selected model (MCU_Info) Block_Size and the SoftICE values follow it.
 // Without a match the operator is told (events run meanwhile), the record stays
 // and the answer is empty. Group 4 is passed over.
 std::string Find_Model(frmMain& frm, std::string_view name, MCU_Record& record);

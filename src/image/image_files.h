@@ -55,7 +55,7 @@ void comLoadDataFile(frmMain& frm);
 // Takes a file as comLoadFile does, when that could be clicked now.
 void Open_Dropped_File(frmMain& frm, const std::string& path);
 void comStoreFile(frmMain& frm);
-// txt_Start_Address or txt_length changed: comStoreFile needs both.
+// txt_Start_Address or txt_length changed: comStoreFile needs both, and an idle tool.
 void Enable_Save_File(frmMain& frm);
 
 }  // namespace vkm

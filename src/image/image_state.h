@@ -13,7 +13,8 @@ struct ImageState {
     Image_Buffer AP_Buffer;    // the program file
     Image_Buffer Data_Buffer;  // the data file, for the chip's data memory
     bool File_Loaded = false;  // one flag for both images; a download asks for it
-    std::string Current_File;  // path of the file being loaded, or loaded last
+    std::string Current_File;  // path that was chosen last, of either kind
+    std::string Program_File;  // path loaded last into AP_Buffer, which a reload takes again
 
     // Plugs; a plug that is null is passed over.
     void (*Show_Chosen_Page)(frmMain&) = nullptr;  // TabStrip2: shows the page of its chosen tab

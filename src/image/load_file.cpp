@@ -72,6 +72,7 @@ void Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
         return;
     }
     ++buffer.Load_Number;
+    if (is_program_image(buffer)) frm.images.Program_File = path;
     keep_or_clear(frm, buffer);
     clear_highlights(frm.increase);
     if (!Load_Any_File(frm, path, buffer)) return;

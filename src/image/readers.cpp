@@ -56,6 +56,7 @@ Reading read_records(frmMain& frm, const std::string& path, const Image_Buffer& 
         const HexLine line = read_hex_line(std::string_view(text.Kept).substr(1), text.Length - 1);
         if (!line.Good && Errors < bad_lines_told) {
             show_bad_line(frm, path, text);
+            if (overtaken(buffer, number)) return Reading::overtaken;
             const bool refused = ++Errors == bad_lines_told && !ask_to_go_on(frm);
             if (overtaken(buffer, number)) return Reading::overtaken;
             if (refused) return Reading::refused;
@@ -108,7 +109,8 @@ bool take_file(frmMain& frm, const Placement& file, const RangeVerdict& verdict,
 }
 
 // Nothing for a file that isn't there or is empty: that isn't HEX.
-bool begins_like_hex(frmMain& frm, const std::string& path) {
+bool begins_like_hex(frmMain& frm, const std::string& path, const Image_Buffer& buffer) {
+    const std::uint32_t number = buffer.Load_Number;
     const std::unique_ptr<FileReader> reader = frm.platform.files.open(path);
     TextLines lines(reader.get());
     for (int seen = 0; seen < lines_looked_at;) {
@@ -117,6 +119,7 @@ bool begins_like_hex(frmMain& frm, const std::string& path) {
         if (!lines.line().Kept.starts_with(':')) return false;
         if (step == TextLines::Step::line) ++seen;
         give_turn(frm);
+        if (overtaken(buffer, number)) return false;
     }
     return true;
 }
@@ -124,7 +127,7 @@ bool begins_like_hex(frmMain& frm, const std::string& path) {
 // A file of another name: the first lines decide.
 bool read_by_content(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
     const std::uint32_t number = buffer.Load_Number;
-    const bool hex = begins_like_hex(frm, path);
+    const bool hex = begins_like_hex(frm, path, buffer);
     if (overtaken(buffer, number)) return false;
     if (!hex) return Read_Bin_File(frm, path, buffer);
     Read_Buffer_Options(frm, buffer);

@@ -13,8 +13,9 @@ namespace vkm {
 
 void Enable_Save_File(frmMain& frm) {
     Screen& screen = frm.screen;
-    screen.comStoreFile.Enabled =
-        !screen.txt_Start_Address.Text.empty() && !screen.txt_length.Text.empty();
+    screen.comStoreFile.Enabled = frm.session.UI_State == 0 &&
+                                  !screen.txt_Start_Address.Text.empty() &&
+                                  !screen.txt_length.Text.empty();
 }
 
 void comStoreFile(frmMain& frm) {

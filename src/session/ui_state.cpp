@@ -1,5 +1,6 @@
 #include <string_view>
 
+#include "image/image_files.h"
 #include "session/download_session.h"
 
 namespace vkm {
@@ -70,11 +71,21 @@ void enable(Screen& screen, std::string_view name, bool enabled) {
     }
 }
 
+// An idle tool is not all that these need.
+void keep_own_conditions(frmMain& frm) {
+    Enable_Save_File(frm);
+    Screen& screen = frm.screen;
+    if (!frm.catalogue.SoftICE_Enable) screen.comDownSoft_ICE.Enabled = false;
+    // A model without data memory controls has no data image to clear.
+    if (!screen.comLoadDataFile.Enabled) screen.cheClearDataBuffer.Enabled = false;
+}
+
 }  // namespace
 
 void Set_UI_State(frmMain& frm, std::int16_t state) {
     frm.session.UI_State = state;
     for (const Row& row : table) enable(frm.screen, row.control, enabled_in(row.enabled, state));
+    keep_own_conditions(frm);
     if (frm.session.Apply_Option_Enable) frm.session.Apply_Option_Enable(frm);
 }
 
