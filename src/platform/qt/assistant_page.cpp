@@ -21,20 +21,18 @@ namespace {
 constexpr std::int32_t width_not_chosen = 2000;
 static_assert(width_not_chosen % twips_per_pixel != 0);
 
-// The two panels with the handle that the table of controls names. It takes the
-// width of the first from the window's record whenever that changes.
-class AssistantSplitter final : public QSplitter {
+// The two panels. The splitter takes the width of the first from the window's
+// record, and tells the logic when it was released.
+class PanelSplitter final : public QSplitter {
   public:
-    AssistantSplitter(ScreenView& view, Screen& screen, OperatorQueue& queue)
-        : QSplitter(Qt::Horizontal), view_(view), screen_(screen), queue_(queue) {
+    PanelSplitter(const WindowRecord& window, OperatorQueue& queue)
+        : QSplitter(Qt::Horizontal), window_(window), queue_(queue) {
         setChildrenCollapsible(false);
     }
 
   protected:
     QSplitterHandle* createHandle() override {
         QSplitterHandle* handle = QSplitter::createHandle();
-        // Before the first panel stands a handle that is never shown.
-        if (count() > 0) view_.use(screen_.ImgSplitter, handle);
         handle->installEventFilter(this);
         return handle;
     }
@@ -49,15 +47,14 @@ class AssistantSplitter final : public QSplitter {
 
     void resizeEvent(QResizeEvent* event) override {
         QSplitter::resizeEvent(event);
-        const std::int32_t chosen = screen_.window.Frame24_Width;
         const int room = width() - handleWidth();
-        const int first = chosen == width_not_chosen ? room / 2 : chosen / twips_per_pixel;
+        const bool chosen = window_.Frame24_Width != width_not_chosen;
+        const int first = chosen ? window_.Frame24_Width / twips_per_pixel : room / 2;
         setSizes({first, room - first});
     }
 
   private:
-    ScreenView& view_;
-    Screen& screen_;
+    const WindowRecord& window_;
     OperatorQueue& queue_;
 };
 
@@ -150,9 +147,10 @@ QWidget* make_assistant_page(ScreenView& view, Screen& s, OperatorQueue& queue) 
     lines->addWidget(make_single_panel(view, s));
     lines->addWidget(make_spread_panel(view, s), 1);
 
-    auto* panels = new AssistantSplitter(view, s, queue);
+    auto* panels = new PanelSplitter(s.window, queue);
     panels->addWidget(make_receive_panel(view, s));
     panels->addWidget(sending);
+    view.use(s.ImgSplitter, panels->handle(1));
 
     auto* page = new QWidget;
     auto* column_of_page = column(page);

@@ -54,15 +54,15 @@ constexpr ControlHint hints[] = {
     {"imgNotOpen", -1, 0, "串口已关闭, 点击打开 / The port is closed; click to open it"},
     {"ImgSplitter", -1, 0, "拖动以改变宽度 / Drag to change the widths"},
     // Tools
-    {"comReadChipLock", -1, 'P', "连接单片机并显示其选项, 不编程 / Connects and shows the options, programs nothing"},
+    {"comReadChipLock", -1, 'p', "连接单片机并显示其选项, 不编程 / Connects and shows the options, programs nothing"},
     {"txtUserCode", -1, 0, "十六进制字节 / Hexadecimal bytes"},
     {"txt_DEMO_UserCode", -1, 0, "十六进制字节 / Hexadecimal bytes"},
     {"Read24C512", -1, 0, "读回脱机下载板的存储器 / Reads the memory of the offline board back"},
-    {"com_Demo_DownLoad", -1, 'L', "用户 ISP 程序下载一片 / One chip over the user's own ISP program"},
-    {"com_Demo_Re_DownLoad", -1, 'W', "用户 ISP 程序连续下载 / Chip after chip over the user's own ISP program"},
-    {"com_Demo_Stop", -1, 'T', "停止下载 / Stop"},
+    {"com_Demo_DownLoad", -1, 'l', "用户 ISP 程序下载一片 / One chip over the user's own ISP program"},
+    {"com_Demo_Re_DownLoad", -1, 'w', "用户 ISP 程序连续下载 / Chip after chip over the user's own ISP program"},
+    {"com_Demo_Stop", -1, 't', "停止下载 / Stop"},
     {"comb_WDT", -1, 0, "下载时用来喂外部看门狗的 I/O 口 / The pin that feeds an external watchdog during a download"},
-    {"comStoreFile", -1, 'V', "将缓冲区的一段存为 .bin 文件 / Saves a piece of the buffer as a .bin file"},
+    {"comStoreFile", -1, 'v', "将缓冲区的一段存为 .bin 文件 / Saves a piece of the buffer as a .bin file"},
 };
 // clang-format on
 

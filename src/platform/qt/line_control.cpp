@@ -45,10 +45,10 @@ std::size_t output_in_system(int device) {
                                                                : 0;
 }
 
-bool is_alive(int device) {
+Alive is_alive(int device) {
     pollfd request{device, POLLIN, 0};
-    if (::poll(&request, 1, 0) < 0) return true;
-    return (request.revents & (POLLERR | POLLHUP | POLLNVAL)) == 0;
+    if (::poll(&request, 1, 0) < 0) return Alive::unknown;
+    return (request.revents & (POLLERR | POLLHUP | POLLNVAL)) == 0 ? Alive::yes : Alive::no;
 }
 
 #else
@@ -67,8 +67,8 @@ std::size_t output_in_system(int) {
     return 0;
 }
 
-bool is_alive(int) {
-    return false;  // an error of the device is believed
+Alive is_alive(int) {
+    return Alive::unknown;
 }
 
 #endif

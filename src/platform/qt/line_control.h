@@ -20,7 +20,9 @@ void hand_in_at_once(int device);
 // Bytes that lie in the system's output buffer.
 std::size_t output_in_system(int device);
 
-// The device still answers: false once its plug is out or its other end is gone.
-bool is_alive(int device);
+// Whether the device still answers: not once its plug is out, or the other end
+// of a pseudo-terminal is gone.
+enum class Alive { yes, no, unknown };
+Alive is_alive(int device);
 
 }  // namespace vkm

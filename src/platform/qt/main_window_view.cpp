@@ -49,6 +49,9 @@ class Strips final : public QSplitter {
 // Where not even this much of the steps finds room, nothing can be done here.
 constexpr int fewest_lines_of_steps = 10;
 
+// More than any screen has, and less than the toolkit can paint.
+constexpr QSize largest_window(16384, 16384);
+
 constexpr int pixels(std::int32_t twips) {
     return twips / twips_per_pixel;
 }
@@ -112,14 +115,27 @@ void MainWindowView::draw_window() {
     if (std::exchange(now.Close_Requested, false)) ask_to_close();
     const WindowRecord before = std::exchange(drawn_, now);
     const QPoint place(pixels(now.Left), pixels(now.Top));
-    const QSize size(pixels(now.Width), pixels(now.Height));
+    const QSize size = QSize(pixels(now.Width), pixels(now.Height)).boundedTo(largest_window);
     if (before.Left != now.Left || before.Top != now.Top)
         if (is_on_a_screen({place, size})) move(place);
-    if (before.Shrunk != now.Shrunk) right_->setVisible(!now.Shrunk);
+    if (before.Shrunk != now.Shrunk) show_right(!now.Shrunk);
     if (now.Shrunk)
-        resize(minimumSizeHint().width(), size.height());
+        resize(column_width(), size.height());
     else if (before.Width != now.Width || before.Height != now.Height || before.Shrunk)
         resize(size);
+}
+
+void MainWindowView::show_right(bool shown) {
+    right_->setVisible(shown);
+    // At once: until then the window can't get smaller than both halves.
+    centralWidget()->layout()->activate();
+    layout()->activate();
+}
+
+// What the steps and the ground around them need.
+int MainWindowView::column_width() const {
+    const QMargins around = centralWidget()->layout()->contentsMargins();
+    return left_->sizeHint().width() + around.left() + around.right();
 }
 
 void MainWindowView::draw_pointer() {

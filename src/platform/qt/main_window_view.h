@@ -37,6 +37,8 @@ class MainWindowView final : public QMainWindow {
   private:
     void lay_out();
     void draw_window();
+    void show_right(bool shown);
+    int column_width() const;
     void draw_pointer();
     void hear_geometry();
     void ask_to_close();

@@ -210,6 +210,7 @@ void QtSerialPort::wait_for_output() {
     for (Instant now = monotonic_now(); now < deadline && !lost_; now = monotonic_now()) {
         port_.flush();
         if (now >= silent && held_by_system() == 0) return;
+        if (is_alive(static_cast<int>(port_.handle())) == Alive::no) return;
         std::this_thread::sleep_for(drain_step);
     }
 }
@@ -220,7 +221,7 @@ void QtSerialPort::take_error(QSerialPort::SerialPortError error) {
                            error == QSerialPort::WriteError ||
                            error == QSerialPort::DeviceNotFoundError;
     if (!of_device || !port_.isOpen() || lost_) return;
-    if (is_alive(static_cast<int>(port_.handle()))) {
+    if (is_alive(static_cast<int>(port_.handle())) == Alive::yes) {
         // A read that found nothing, because the input was cleared meanwhile, is
         // no loss; setting the size takes reading up again.
         port_.clearError();

@@ -1,0 +1,433 @@
+// Record and widget are alike in both directions.
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTabBar>
+#include <QTemporaryDir>
+#include <QTreeWidget>
+
+#include "platform/qt/as_drawn.h"
+#include "platform/qt/control_hints.h"
+#include "platform/qt/tool.h"
+#include "qt_application.h"
+#include "waiting/waiting.h"
+#include "window/wiring.h"
+
+namespace vkm::test {
+namespace {
+
+class QtScreenTest : public testing::Test {
+  protected:
+    QtScreenTest() {
+        tool.window.show();
+        settle();
+    }
+
+    void settle() {
+        for (int i = 0; i < 4; ++i) process_events(tool.frm);
+    }
+
+    QWidget* widget(Control& control) { return view(control); }
+    Control drawn(Control& control) {
+        settle();
+        return as_drawn(*view(control), control);
+    }
+
+    // A click into the middle of the widget.
+    void click(QWidget* on) { click(on, on->rect().center()); }
+    void click(QWidget* on, QPoint at) {
+        for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            const auto buttons = type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
+            QMouseEvent event(type, at, on->mapToGlobal(at), Qt::LeftButton, buttons,
+                              Qt::NoModifier);
+            QCoreApplication::sendEvent(on, &event);
+        }
+    }
+    void press(QWidget* on, int key, const QString& text = {}) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, text);
+        QCoreApplication::sendEvent(on, &event);
+    }
+
+    QApplication& qt = application();
+    QTemporaryDir folder;
+    Tool tool{{folder.filePath("settings.ini").toStdString(), {}, folder.path().toStdString()}};
+    Screen& screen = tool.frm.screen;
+    ScreenView& view = tool.window.controls();
+};
+
+TEST_F(QtScreenTest, EveryControlOfTheTableIsDrawn) {
+    EXPECT_EQ(view.without_widget(), std::vector<std::string>());
+}
+
+TEST_F(QtScreenTest, EveryWidgetStandsInTheWindowUnderTheNameOfItsControl) {
+    for_each_control(screen, [&](Control& control) {
+        std::string name(control.Name);
+        if (control.Index >= 0) name += "(" + std::to_string(control.Index) + ")";
+        auto* found = tool.window.findChild<QWidget*>(QString::fromStdString(name));
+        ASSERT_NE(found, nullptr) << name;
+        EXPECT_EQ(view.control_of(found), &control) << name;
+    });
+}
+
+TEST_F(QtScreenTest, EveryHintBelongsToAControl) {
+    int with_hint = 0;
+    for_each_control(screen, [&](Control& control) {
+        const ControlHint* hint = hint_of(control);
+        if (!hint) return;
+        ++with_hint;
+        const bool marked = button_text(control).contains(u'&');
+        EXPECT_EQ(marked, hint->mnemonic != 0) << control.Name << " lacks the letter";
+    });
+    EXPECT_GT(with_hint, 40);
+}
+
+// ---- from the record to the widget -------------------------------------------------
+
+TEST_F(QtScreenTest, TheStartOfEveryControlIsDrawnAsItStands) {
+    for_each_control(screen, [&](Control& control) {
+        const Control seen = drawn(control);
+        EXPECT_EQ(seen.Caption, control.Caption) << control.Name;
+        EXPECT_EQ(seen.Text, control.Text) << control.Name;
+        EXPECT_EQ(seen.ListIndex, control.ListIndex) << control.Name;
+        EXPECT_EQ(seen.List, control.List) << control.Name;
+        const QWidget* drawn_widget = widget(control);
+        EXPECT_EQ(!drawn_widget->isHidden(), control.Visible) << control.Name;
+        EXPECT_EQ(drawn_widget->testAttribute(Qt::WA_ForceDisabled), !control.Enabled)
+            << control.Name;
+    });
+}
+
+TEST_F(QtScreenTest, ACaptionIsDrawnWithoutItsMnemonic) {
+    EXPECT_EQ(drawn(screen.comDownload[0]).Caption, "Download");
+    EXPECT_EQ(static_cast<QPushButton*>(widget(screen.comDownload[0]))->text(),
+              QStringLiteral("&Download"));
+    screen.comDownload[0].Caption = "A & B";
+    EXPECT_EQ(drawn(screen.comDownload[0]).Caption, "A & B");
+}
+
+TEST_F(QtScreenTest, ALongTitleIsKeptWholeAndDoesNotWidenTheWindow) {
+    const int before = tool.window.minimumSizeHint().width();
+    screen.Frame7.Caption = "File Buffer: /" + std::string(500, 'x') + "/a & b.hex";
+    EXPECT_EQ(drawn(screen.Frame7).Caption, screen.Frame7.Caption);
+    EXPECT_EQ(tool.window.minimumSizeHint().width(), before);
+    EXPECT_EQ(widget(screen.Frame7)->toolTip().toStdString(), screen.Frame7.Caption);
+}
+
+TEST_F(QtScreenTest, TheLogIsDrawnWithItsBreaksAndItsEndInSight) {
+    for (int i = 0; i < 200; ++i) screen.textMsg.Text += "\r\n行 / line " + std::to_string(i);
+    caret_to_end(screen.textMsg);
+    EXPECT_EQ(drawn(screen.textMsg).Text, screen.textMsg.Text);
+    EXPECT_EQ(drawn(screen.textMsg).SelStart, screen.textMsg.SelStart);
+    auto* log = static_cast<QPlainTextEdit*>(widget(screen.textMsg));
+    EXPECT_TRUE(log->viewport()->rect().contains(log->cursorRect()));
+    screen.textMsg.Text += "and on the same line";
+    EXPECT_EQ(drawn(screen.textMsg).Text, screen.textMsg.Text);
+    screen.textMsg.Text = "\r\nnew";
+    EXPECT_EQ(drawn(screen.textMsg).Text, "\r\nnew");
+    screen.textMsg.Text.clear();
+    EXPECT_EQ(drawn(screen.textMsg).Text, "");
+}
+
+TEST_F(QtScreenTest, ASelectionIsDrawnBehindLineBreaks) {
+    screen.txtBuffer.Text = "\r\n\r\n 000000   00 11 22 \r\n";
+    screen.txtBuffer.SelStart = 14;
+    screen.txtBuffer.SelLength = 2;
+    settle();
+    const auto* box = static_cast<QPlainTextEdit*>(widget(screen.txtBuffer));
+    EXPECT_EQ(box->textCursor().selectedText(), QStringLiteral("00"));
+    EXPECT_EQ(drawn(screen.txtBuffer).SelStart, 14);
+    EXPECT_EQ(drawn(screen.txtBuffer).SelLength, 2);
+}
+
+TEST_F(QtScreenTest, EveryPropertyOfEveryKindIsDrawn) {
+    screen.txtAP_FileStart.Text = "1F00";
+    screen.cheClearAP_Buffer.Value = 1;
+    fill_list(screen.cobBaudMax, {"1", "2", "3"});
+    screen.cobBaudMax.ListIndex = 2;
+    screen.ProgressBar1.Min = 100;
+    screen.ProgressBar1.Max = 300;
+    screen.ProgressBar1.Value = 150;
+    screen.ProgressBar1.Visible = true;
+    screen.vscFile[0].Max = 77;
+    screen.vscFile[0].Value = 12;
+    screen.labKbyte.Caption = "12.125K";
+    screen.comStop_Download.Enabled = true;
+    screen.lst_debug1.List = {{"E0H ACC", "", ""}, {"F0H B", "", ""}};
+    screen.lst_debug1.ListIndex = 1;
+    EXPECT_EQ(drawn(screen.txtAP_FileStart).Text, "1F00");
+    EXPECT_EQ(drawn(screen.cheClearAP_Buffer).Value, 1);
+    EXPECT_EQ(drawn(screen.cobBaudMax).List.size(), 3u);
+    EXPECT_EQ(drawn(screen.cobBaudMax).ListIndex, 2);
+    EXPECT_EQ(drawn(screen.ProgressBar1).Value, 150);
+    EXPECT_EQ(drawn(screen.ProgressBar1).Min, 100);
+    EXPECT_EQ(drawn(screen.ProgressBar1).Max, 300);
+    EXPECT_TRUE(drawn(screen.ProgressBar1).Visible);
+    EXPECT_EQ(drawn(screen.vscFile[0]).Max, 77);
+    EXPECT_EQ(drawn(screen.vscFile[0]).Value, 12);
+    EXPECT_EQ(drawn(screen.labKbyte).Caption, "12.125K");
+    EXPECT_TRUE(drawn(screen.comStop_Download).Enabled);
+    EXPECT_EQ(drawn(screen.lst_debug1).List, screen.lst_debug1.List);
+    EXPECT_EQ(drawn(screen.lst_debug1).ListIndex, 1);
+}
+
+TEST_F(QtScreenTest, ASetOfOptionsMayStandWithNoneOn) {
+    for (Control& option : screen.optHexSend) option.Value = 0;
+    EXPECT_EQ(drawn(screen.optHexSend[0]).Value, 0);
+    EXPECT_EQ(drawn(screen.optHexSend[1]).Value, 0);
+    screen.optHexSend[1].Value = 1;
+    EXPECT_EQ(drawn(screen.optHexSend[0]).Value, 0);
+    EXPECT_EQ(drawn(screen.optHexSend[1]).Value, 1);
+}
+
+TEST_F(QtScreenTest, AnAbsentTabIsNotShown) {
+    auto* tabs = static_cast<QTabBar*>(widget(screen.TabStrip1));
+    ASSERT_GT(tabs->count(), 3);
+    screen.TabStrip1.List[2].Text = "_no_";
+    settle();
+    EXPECT_FALSE(tabs->isTabVisible(2));
+    EXPECT_EQ(drawn(screen.TabStrip1).List[2].Text, "_no_");
+    screen.TabStrip1.List[2].Text = "脱机下载";
+    settle();
+    EXPECT_TRUE(tabs->isTabVisible(2));
+}
+
+TEST_F(QtScreenTest, NothingOutOfRangeCrashesTheDrawing) {
+    screen.cobBaudMax.ListIndex = 9999;
+    screen.TabStrip2.ListIndex = -7;
+    screen.TreeViewDevice.ListIndex = 100000;
+    screen.vscFile[0].Max = -5;
+    screen.vscFile[0].Value = 2000000000;
+    screen.ProgressBar1.Max = -1;
+    screen.textMsg.SelStart = -4;
+    screen.textMsg.SelLength = 2000000000;
+    screen.txtDevice.SelStart = 2000000000;
+    screen.texReceive.Text = std::string("\0\x01\xFF\xC3\r\n\r", 7);
+    screen.window.Width = -100;
+    screen.window.Height = 2000000000;
+    settle();
+    SUCCEED();
+}
+
+// ---- from the widget to the record ------------------------------------------------------
+
+TEST_F(QtScreenTest, WhatIsTypedIsInTheRecordBeforeTheEvent) {
+    auto* field = static_cast<QLineEdit*>(widget(screen.txtWrite_OK_Count));
+    stop_timer(tool.frm.timers.Timer3);
+    field->selectAll();
+    EXPECT_EQ(screen.txtWrite_OK_Count.SelLength, 1);
+    press(field, Qt::Key_4, "4");
+    press(field, Qt::Key_1, "1");
+    EXPECT_EQ(screen.txtWrite_OK_Count.Text, "41");
+    EXPECT_EQ(screen.txtWrite_OK_Count.SelStart, 2);
+    EXPECT_FALSE(tool.frm.timers.Timer3.Enabled) << "a handler ran inside the toolkit";
+    settle();
+    EXPECT_TRUE(tool.frm.timers.Timer3.Enabled) << "the change was not handed in";
+}
+
+TEST_F(QtScreenTest, AClickOnACheckBoxIsInTheRecord) {
+    click(widget(screen.cekReloadFile), {8, widget(screen.cekReloadFile)->height() / 2});
+    EXPECT_EQ(screen.cekReloadFile.Value, 1);
+    click(widget(screen.cekReloadFile), {8, widget(screen.cekReloadFile)->height() / 2});
+    EXPECT_EQ(screen.cekReloadFile.Value, 0);
+}
+
+TEST_F(QtScreenTest, OfASetOfOptionsOneIsOn) {
+    for (auto [chosen, other] : {std::pair{&screen.optBeepNo, &screen.optBeepYes},
+                                 std::pair{&screen.optBeepYes, &screen.optBeepNo},
+                                 std::pair{&screen.optFillbyte[1], &screen.optFillbyte[0]}}) {
+        click(widget(*chosen), {8, widget(*chosen)->height() / 2});
+        EXPECT_EQ(chosen->Value, 1) << chosen->Name;
+        EXPECT_EQ(other->Value, 0) << other->Name;
+        EXPECT_EQ(drawn(*chosen).Value, 1);
+        EXPECT_EQ(drawn(*other).Value, 0);
+    }
+}
+
+TEST_F(QtScreenTest, ChangesByTheLogicRaiseNoEvent) {
+    settle();
+    tool.frm.timers.Timer3.Enabled = false;
+    screen.combCommPort.ListIndex = 5;
+    screen.optBeepNo.Value = 1;
+    screen.optBeepYes.Value = 0;
+    screen.txtWrite_OK_Count.Text = "77";
+    screen.comDalay_ReDownLoad.ListIndex = 0;
+    screen.vscFile[0].Max = 30;
+    screen.vscFile[0].Value = 3;
+    settle();
+    EXPECT_FALSE(tool.frm.timers.Timer3.Enabled) << "a setting counts as changed by the operator";
+}
+
+TEST_F(QtScreenTest, ATabThatIsChosenShowsItsPage) {
+    auto* tabs = static_cast<QTabBar*>(widget(screen.TabStrip1));
+    for (int i = 0; i < tabs->count(); ++i) {
+        if (!tabs->isTabVisible(i)) continue;
+        tabs->setCurrentIndex(i);
+        settle();
+        EXPECT_EQ(screen.TabStrip1.ListIndex, i);
+    }
+    EXPECT_FALSE(widget(screen.Frame12)->isVisible());
+    EXPECT_TRUE(widget(screen.Frame10)->isVisible());
+}
+
+TEST_F(QtScreenTest, ThePageOfTheAssistantGoesWithItsPanel) {
+    auto* tabs = static_cast<QTabBar*>(widget(screen.TabStrip2));
+    EXPECT_FALSE(widget(screen.texSend)->isVisible());
+    tabs->setCurrentIndex(4);
+    settle();
+    EXPECT_TRUE(widget(screen.fraDebug)->isVisible());
+    EXPECT_TRUE(widget(screen.texSend)->isVisible());
+    EXPECT_TRUE(widget(screen.ImgSplitter)->isVisible());
+    tabs->setCurrentIndex(0);
+    settle();
+    EXPECT_FALSE(widget(screen.texSend)->isVisible());
+    EXPECT_TRUE(widget(screen.txtBuffer)->isVisible());
+}
+
+TEST_F(QtScreenTest, ModelsAreChosenInATreeThatDropsOverTheBox) {
+    QWidget* tree = widget(screen.TreeViewDevice);
+    EXPECT_TRUE(tree->isHidden());
+    click(widget(screen.Command3));
+    settle();
+    ASSERT_TRUE(tree->isVisible());
+    EXPECT_EQ(tree->mapToGlobal(QPoint(0, 0)), widget(screen.txtDevice)->mapToGlobal(QPoint(0, 0)));
+    press(tree, Qt::Key_Escape);
+    settle();
+    EXPECT_TRUE(tree->isHidden());
+    click(widget(screen.txtDevice));
+    settle();
+    EXPECT_TRUE(tree->isVisible()) << "a click on the box opens it too";
+}
+
+TEST_F(QtScreenTest, ANodeThatIsClickedIsTheModel) {
+    click(widget(screen.Command3));
+    settle();
+    auto* tree = static_cast<QTreeWidget*>(widget(screen.TreeViewDevice));
+    QTreeWidgetItem* family = tree->topLevelItem(1);
+    tree->scrollToItem(family, QAbstractItemView::PositionAtTop);
+    click(tree->viewport(), tree->visualItemRect(family).center());
+    settle();
+    EXPECT_TRUE(tree->isVisible()) << "a family is no model";
+    EXPECT_TRUE(family->isExpanded());
+    QTreeWidgetItem* model = family->child(0);
+    tree->scrollToItem(model);
+    click(tree->viewport(), tree->visualItemRect(model).center());
+    settle();
+    EXPECT_EQ(screen.txtDevice.Text, model->text(0).toStdString());
+    EXPECT_TRUE(tree->isHidden());
+}
+
+TEST_F(QtScreenTest, AnEventOfAControlThatWasDisabledMeanwhileIsDropped) {
+    auto* button = static_cast<QPushButton*>(widget(screen.comMastWindow));
+    button->click();
+    screen.comMastWindow.Enabled = false;
+    settle();
+    EXPECT_FALSE(screen.window.Shrunk);
+    screen.comMastWindow.Enabled = true;
+    settle();
+    button->click();
+    settle();
+    EXPECT_TRUE(screen.window.Shrunk);
+}
+
+TEST_F(QtScreenTest, TheWheelChangesNoSetting) {
+    auto* list = static_cast<QComboBox*>(widget(screen.combCommPort));
+    const int before = list->currentIndex();
+    const QPoint middle = list->rect().center();
+    QWheelEvent event(middle, list->mapToGlobal(middle), {}, {0, -240}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(list, &event);
+    settle();
+    EXPECT_EQ(screen.combCommPort.ListIndex, before);
+}
+
+TEST_F(QtScreenTest, ADisabledButtonGetsTheKeyboardBack) {
+    tool.window.activateWindow();
+    QWidget* button = widget(screen.comDownload[0]);
+    button->setFocus();
+    settle();
+    ASSERT_EQ(tool.window.focusWidget(), button);
+    screen.comDownload[0].Enabled = false;
+    settle();
+    EXPECT_EQ(tool.window.focusWidget(), nullptr);
+    screen.comDownload[0].Enabled = true;
+    settle();
+    EXPECT_EQ(tool.window.focusWidget(), button);
+}
+
+// ---- the window ------------------------------------------------------------------------
+
+TEST_F(QtScreenTest, ThePlaceAndSizeOfTheWindowAreInTheRecord) {
+    tool.window.resize(900, 640);
+    settle();
+    EXPECT_EQ(screen.window.Width, 900 * 15);
+    EXPECT_EQ(screen.window.Height, 640 * 15);
+    screen.window.Width = 1000 * 15;
+    settle();
+    EXPECT_EQ(tool.window.width(), 1000);
+}
+
+TEST_F(QtScreenTest, ShrinkingLeavesTheStepsAndRestoringTheWholeWindow) {
+    tool.window.resize(1000, 640);
+    settle();
+    static_cast<QPushButton*>(widget(screen.comMastWindow))->click();
+    settle();
+    EXPECT_LT(tool.window.width(), 600);
+    EXPECT_TRUE(widget(screen.comDownload[0])->isVisible());
+    EXPECT_TRUE(widget(screen.txtWrite_OK_Count)->isVisible());
+    EXPECT_FALSE(widget(screen.TabStrip1)->isVisible());
+    EXPECT_EQ(drawn(screen.comMastWindow).Caption, "恢复主窗体");
+    static_cast<QPushButton*>(widget(screen.comMastWindow))->click();
+    settle();
+    EXPECT_EQ(tool.window.width(), 1000);
+    EXPECT_TRUE(widget(screen.TabStrip1)->isVisible());
+}
+
+TEST_F(QtScreenTest, NoPageNeedsMoreRoomThanASmallScreenHas) {
+    for (Control* strip : {&screen.TabStrip1, &screen.TabStrip2}) {
+        auto* tabs = static_cast<QTabBar*>(widget(*strip));
+        for (int i = 0; i < tabs->count(); ++i) {
+            tabs->setCurrentIndex(i);
+            settle();
+            const QSize needed = tool.window.minimumSizeHint();
+            EXPECT_LE(needed.width(), 800) << strip->Name << " " << i;
+            EXPECT_LE(needed.height(), 600) << strip->Name << " " << i;
+        }
+    }
+}
+
+TEST_F(QtScreenTest, TheLogHasSixLinesOnASmallScreen) {
+    tool.window.resize(800, 600);
+    settle();
+    const QWidget* log = widget(screen.textMsg);
+    EXPECT_GE(log->height(), 6 * log->fontMetrics().lineSpacing());
+    EXPECT_LE(log->mapTo(&tool.window, QPoint(0, log->height())).y(), 600);
+}
+
+TEST_F(QtScreenTest, ClosingAsksTheLogicFirst) {
+    tool.window.close();
+    EXPECT_TRUE(tool.window.isVisible()) << "it may take two passes";
+    const Instant end = tool.loop.now() + Milliseconds(3000);
+    while (!tool.window.is_over() && tool.loop.now() < end)
+        process_events(tool.frm, Sleep::until_something);
+    EXPECT_TRUE(tool.window.is_over());
+    EXPECT_FALSE(tool.window.isVisible());
+}
+
+TEST_F(QtScreenTest, TheLogicMayAskForTheClosing) {
+    screen.window.Close_Requested = true;
+    const Instant end = tool.loop.now() + Milliseconds(3000);
+    while (!tool.window.is_over() && tool.loop.now() < end)
+        process_events(tool.frm, Sleep::until_something);
+    EXPECT_TRUE(tool.window.is_over());
+    EXPECT_FALSE(screen.window.Close_Requested);
+}
+
+}  // namespace
+}  // namespace vkm::test
