@@ -872,6 +872,7 @@ TEST(Finish, WritesOptionsOfEveryFamilyButTheSecond) {
             EXPECT_FALSE(frm.screen.ProgressBar1.Visible);
             frm.link.frame_ok = true;
         };
+        bench.frm.link.Status_Read_OK = true;  // of a job before
         bench.load(100);
         comDownload(bench.frm, 0);
         expect_good_chip(bench);

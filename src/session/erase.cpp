@@ -31,6 +31,9 @@ bool send_erase(frmMain& frm, const Frame& frame) {
     for (int attempt = 0; attempt < attempts; ++attempt) {
         frm.link.receive_enabled = true;
         wait_ms(frm, settle_before_ms);
+        // What has come before the first frame, a late answer to the link check, must
+        // not pass for an erased flash. Later the answer to the attempt before is as good.
+        if (attempt == 0) reset_receive(frm);
         write_and_settle(frm, frame);
         if (wait_for_frame(frm, answer_ms)) return true;
     }
@@ -50,9 +53,6 @@ void Erase_Application(frmMain& frm) {
     const std::int64_t begin = frm.platform.wall_clock.seconds();
     frm.session.Erase_Time.clear();
     Restart_Port(frm);
-    // A late answer to the link check must not pass for an erased flash. Between the
-    // attempts nothing is forgotten: the answer to the one before is as good.
-    reset_receive(frm);
     const bool erased = send_erase(frm, erase_frame(frm));
     if (erased) note_erase_time(frm, begin);
     wait_ms(frm, settle_after_ms);
