@@ -264,15 +264,6 @@ TEST(Wiring, AClickAnywhereElseClosesTheTree) {
     }
 }
 
-TEST(Wiring, TheArrowOpensTheTreeAndClosesItAgain) {
-    Window window;
-    Screen& s = window.frm.screen;
-    window.click(s.Command3);
-    EXPECT_TRUE(s.TreeViewDevice.Visible);
-    window.click(s.Command3);
-    EXPECT_FALSE(s.TreeViewDevice.Visible);
-}
-
 TEST(Wiring, EscapeClosesTheTreeAndLeavesTheModel) {
     Window window;
     Screen& s = window.frm.screen;

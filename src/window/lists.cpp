@@ -49,7 +49,7 @@ Texts prescalers() {
 
 void add_pins(Texts& texts, int port, int last_pin) {
     for (int pin = 0; pin <= last_pin; ++pin)
-        texts.push_back("P" + std::to_string(port) + "." + std::to_string(pin));
+        texts.push_back({'P', static_cast<char>('0' + port), '.', static_cast<char>('0' + pin)});
 }
 
 // Every port pin that can feed a watchdog while the boot firmware runs.

@@ -4,6 +4,7 @@
 #include "image/image_files.h"
 #include "link/isp_link.h"
 #include "session/download_session.h"
+#include "session/session_lease.h"
 #include "window/main_window.h"
 #include "window/settings.h"
 
@@ -27,18 +28,17 @@ void run_element(frmMain& frm, Event event) {
     operation(frm, event.Source->Index);
 }
 
-// What would change the images under a running job waits for its end.
+// What would change the images under a running job does nothing meanwhile, and no
+// job begins while it is at work.
 template <void (*operation)(frmMain&)>
 void run_between_jobs(frmMain& frm, Event) {
-    if (!frm.session.Running) operation(frm);
+    const Session_Lease lease(frm);
+    if (lease.granted()) operation(frm);
 }
 
 void Drop_File(frmMain& frm, Event event) {
-    if (!frm.session.Running) Open_Dropped_File(frm, event.Text);
-}
-
-void Toggle_Device_Tree(frmMain& frm) {
-    frm.screen.TreeViewDevice.Visible ? Close_Device_Tree(frm) : Open_Device_Tree(frm);
+    const Session_Lease lease(frm);
+    if (lease.granted()) Open_Dropped_File(frm, event.Text);
 }
 
 void Tree_Key(frmMain& frm, Event event) {
@@ -50,7 +50,7 @@ using enum EventKind;
 // clang-format off
 constexpr Wire wire_table[] = {
     // Step 1: model
-    {"Command3",                 Click,   run_between_jobs<Toggle_Device_Tree>},
+    {"Command3",                 Click,   run_between_jobs<Open_Device_Tree>},
     {"TreeViewDevice",           Click,   run_between_jobs<Device_Node_Click>},
     {"TreeViewDevice",           KeyDown, Tree_Key},
     // Step 2: files
@@ -92,9 +92,8 @@ constexpr Wire wire_table[] = {
 // The tree lies over the box until a choice is made: a click anywhere else (the
 // grounds of the steps included) closes it, as losing the focus does.
 bool closes_tree(const frmMain& frm, Event event) {
-    const Screen& screen = frm.screen;
-    return screen.TreeViewDevice.Visible && event.Kind == Click && event.Source &&
-           event.Source != &screen.TreeViewDevice && event.Source != &screen.Command3;
+    return frm.screen.TreeViewDevice.Visible && event.Kind == Click && event.Source &&
+           event.Source != &frm.screen.TreeViewDevice;
 }
 
 void wire_timers(Timers& timers) {
@@ -115,6 +114,7 @@ void wire(frmMain& frm) {
     wire_timers(frm.timers);
     frm.link.Receive_Event = on_port_event;
     frm.link.Check_Model = Check_Model;
+    frm.images.Show_Chosen_Page = TabStrip2_Click;
 }
 
 void handle_event(frmMain& frm, const ScreenEvent& event) {

@@ -239,6 +239,10 @@ class Chip(Process):
         self.do(f"flash {path}")
         return path.read_bytes()
 
+    def forget(self):
+        """Objections so far don't count."""
+        self.output.clear()
+
     def objections(self):
         """What the chip found wrong with the tool's frames."""
         return [line for line in self.output if line.startswith("objection")]

@@ -1,16 +1,20 @@
 #include "robot/box_answers.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QCompleter>
 #include <QDialogButtonBox>
 #include <QEvent>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QJsonObject>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 
 #include "robot/drawn.h"
 #include "robot/line_breaks.h"
@@ -18,6 +22,12 @@
 
 namespace vkm::robot {
 namespace {
+
+// Until a file dialog has listed its folder it knows no files, and then it puts
+// its proposal over what was typed meanwhile: whoever is that fast types again.
+constexpr int listing_ms = 60;
+constexpr int typings_of_a_file = 80;
+constexpr int typings_of_no_file = 3;
 
 QString name_of(const QMessageBox& box, QAbstractButton* button) {
     switch (box.standardButton(button)) {
@@ -49,8 +59,13 @@ QPushButton* button_of_role(const QFileDialog& dialog, QDialogButtonBox::ButtonR
 
 }  // namespace
 
-Box_Answers::Box_Answers(QObject* parent) : QObject(parent) {
+Box_Answers::Box_Answers(std::function<void()> answered) : answered_(std::move(answered)) {
     qApp->installEventFilter(this);
+}
+
+bool Box_Answers::busy() const {
+    return std::any_of(unanswered_.begin(), unanswered_.end(),
+                       [](const QPointer<QWidget>& box) { return box && box->isVisible(); });
 }
 
 void Box_Answers::queue_box(const QString& answer) {
@@ -66,10 +81,18 @@ void Box_Answers::queue_file(const QString& path) {
 bool Box_Answers::eventFilter(QObject* object, QEvent* event) {
     if (event->type() != QEvent::Show) return false;
     if (auto* box = qobject_cast<QMessageBox*>(object))
-        QTimer::singleShot(0, box, [this, box] { answer_box(*box); });
+        QTimer::singleShot(0, box, [=, this] { answer_box(*box); });
     else if (auto* dialog = qobject_cast<QFileDialog*>(object))
-        QTimer::singleShot(0, dialog, [this, dialog] { answer_file(*dialog); });
+        QTimer::singleShot(0, dialog, [=, this] { answer_file(*dialog); });
+    else
+        return false;
+    unanswered_.append(static_cast<QWidget*>(object));
     return false;
+}
+
+void Box_Answers::answered(QWidget* box) {
+    unanswered_.removeAll(QPointer<QWidget>(box));
+    answered_();
 }
 
 void Box_Answers::answer_box(QMessageBox& box) {
@@ -85,23 +108,41 @@ void Box_Answers::answer_box(QMessageBox& box) {
         click_widget(*button);
     else
         box.reject();
+    answered(&box);
 }
 
 void Box_Answers::answer_file(QFileDialog& dialog) {
     const QString path = file_answers_.isEmpty() ? QString() : file_answers_.takeFirst();
-    QPushButton* cancel = button_of_role(dialog, QDialogButtonBox::RejectRole);
-    auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
-    if (path.isEmpty() || !name) {
-        click_widget(*cancel);
-        return;
+    if (!path.isEmpty()) {
+        dialog.selectNameFilter(dialog.nameFilters().last());  // all files
+        return type_path(dialog, path,
+                         QFileInfo(path).isFile() ? typings_of_a_file : typings_of_no_file);
     }
-    // A dialog that doesn't take the name (no such file, a folder) stays: cancelled.
-    const QPointer<QFileDialog> stays = &dialog;
+    click_widget(*button_of_role(dialog, QDialogButtonBox::RejectRole));
+    answered(&dialog);
+}
+
+void Box_Answers::type_path(QFileDialog& dialog, const QString& path, int typings_left) {
+    auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
     name->setFocus();
     name->selectAll();
     QTest::sendKeyEvent(QTest::Press, name, Qt::Key_unknown, path, Qt::NoModifier);
-    QTest::sendKeyEvent(QTest::Click, name, Qt::Key_Return, "\r", Qt::NoModifier);
-    if (stays && stays->isVisible()) click_widget(*cancel);
+    if (name->completer()) name->completer()->popup()->hide();
+    QTimer::singleShot(listing_ms, &dialog, [=, this, &dialog] {
+        const bool taken = name->text() == path &&
+                           button_of_role(dialog, QDialogButtonBox::AcceptRole)->isEnabled();
+        if (!taken && typings_left > 0) return type_path(dialog, path, typings_left - 1);
+        accept_file(dialog);
+    });
+}
+
+// A dialog that doesn't take the name (no such file, a folder) stays: cancelled.
+void Box_Answers::accept_file(QFileDialog& dialog) {
+    const QPointer<QFileDialog> stays = &dialog;
+    click_widget(*button_of_role(dialog, QDialogButtonBox::AcceptRole));
+    if (!stays) return answered_();
+    if (stays->isVisible()) click_widget(*button_of_role(*stays, QDialogButtonBox::RejectRole));
+    answered(stays);
 }
 
 }  // namespace vkm::robot

@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
+#include <QWidget>
+#include <functional>
 
 class QFileDialog;
 class QMessageBox;
@@ -15,7 +17,11 @@ namespace vkm::robot {
 
 class Box_Answers : public QObject {
   public:
-    explicit Box_Answers(QObject* parent = nullptr);
+    // `answered` is called behind each answer: what it sets going runs later.
+    explicit Box_Answers(std::function<void()> answered);
+
+    // A box stands and has not been answered yet.
+    bool busy() const;
 
     void queue_box(const QString& answer);  // "ok", "yes" or "no", else a Refusal
     void queue_file(const QString& path);   // an empty path cancels
@@ -27,7 +33,12 @@ class Box_Answers : public QObject {
   private:
     void answer_box(QMessageBox& box);
     void answer_file(QFileDialog& dialog);
+    void type_path(QFileDialog& dialog, const QString& path, int typings_left);
+    void accept_file(QFileDialog& dialog);
+    void answered(QWidget* box);
 
+    std::function<void()> answered_;
+    QList<QPointer<QWidget>> unanswered_;
     QStringList box_answers_;
     QStringList file_answers_;
     QJsonArray boxes_;

@@ -177,6 +177,11 @@ Qt::Key key_named(const QString& name) {
 
 // ---- choosing ------------------------------------------------------------------------
 
+bool is_list(ControlKind kind) {
+    return kind == ControlKind::ComboBox || kind == ControlKind::ListBox ||
+           kind == ControlKind::TabStrip || kind == ControlKind::TreeView;
+}
+
 int entry_index(const Drawn& control, const QJsonValue& index, const QJsonValue& text,
                 const QJsonValue& entry_key) {
     const auto& list = control.record->List;
@@ -334,13 +339,12 @@ Act check(const Drawn& control, bool on) {
 
 Act choose(const Drawn& control, const QJsonValue& index, const QJsonValue& text,
            const QJsonValue& entry_key) {
+    if (!is_list(control.record->Kind)) throw Refusal{control.widget->objectName() + " is no list"};
     const int entry = entry_index(control, index, text, entry_key);
     if (auto* tabs = qobject_cast<QTabBar*>(control.widget)) return choose_tab(tabs, entry);
     if (auto* combo = qobject_cast<QComboBox*>(control.widget))
         return choose_in_combo(combo, entry);
-    if (auto* view = qobject_cast<QAbstractItemView*>(control.widget))
-        return choose_in_view(view, entry);
-    throw Refusal{control.widget->objectName() + " is no list"};
+    return choose_in_view(qobject_cast<QAbstractItemView*>(control.widget), entry);
 }
 
 void click_widget(QWidget& widget) {

@@ -100,7 +100,7 @@ void Robot::take_end() {
 // ---- in turn ---------------------------------------------------------------------
 
 void Robot::work() {
-    if (!ready_ || !drawn_ || over_) return;
+    if (!ready_ || !drawn_ || over_ || answers_.busy()) return;
     if (waiting_) return look_again();
     if (!lines_.empty()) {
         drawn_ = false;

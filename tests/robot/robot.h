@@ -80,7 +80,7 @@ class Robot : public QObject {
 
     Tool& tool_;
     std::function<void(const QByteArray&)> write_;
-    Box_Answers answers_;
+    Box_Answers answers_{[this] { drawn_ = false; }};
     std::deque<QByteArray> lines_;
     std::optional<Waiting> waiting_;
     QTimer again_;        // looks again, while something is waited for
