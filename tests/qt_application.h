@@ -10,7 +10,9 @@ inline QApplication& application() {
     static int count = 1;
     static char name[] = "vkm_test";
     static char* arguments[] = {name, nullptr};
-    static QApplication the_one(count, arguments);
+    // Never destroyed: at the end of the program the toolkit's own globals may be
+    // gone before it.
+    static QApplication& the_one = *new QApplication(count, arguments);
     QStandardPaths::setTestModeEnabled(true);
     return the_one;
 }
