@@ -35,7 +35,20 @@ def expect(condition, message):
 
 
 def expect_equal(found, expected, what):
+    if isinstance(found, bytes) and isinstance(expected, bytes):
+        return expect_bytes(found, expected, what)
     expect(found == expected, f"{what}: {found!r} instead of {expected!r}")
+
+
+def expect_bytes(found, expected, what):
+    expect(len(found) == len(expected), f"{what}: {len(found)} bytes instead of {len(expected)}")
+    wrong = [at for at, pair in enumerate(zip(found, expected, strict=True)) if pair[0] != pair[1]]
+    if wrong:
+        at = wrong[0]
+        raise Failed(
+            f"{what}: {len(wrong)} bytes differ, the first at {at:04X}: "
+            f"{found[at]:02X} instead of {expected[at]:02X}"
+        )
 
 
 class Process:
@@ -238,14 +251,6 @@ class Chip(Process):
         path = self.folder / f"flash-{next(_numbers)}"
         self.do(f"flash {path}")
         return path.read_bytes()
-
-    def forget(self):
-        """Objections so far don't count."""
-        self.output.clear()
-
-    def objections(self):
-        """What the chip found wrong with the tool's frames."""
-        return [line for line in self.output if line.startswith("objection")]
 
 
 _numbers = itertools.count(1)

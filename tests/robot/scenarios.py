@@ -10,6 +10,7 @@ robot-shots in the build folder.
 
 import pathlib
 import re
+import subprocess
 import sys
 import time
 
@@ -50,7 +51,6 @@ def expect_done(robot, chip, content):
     log = robot.log()
     expect(PROGRAM_OK in log, f"the job failed:{log}\n" + "\n".join(chip.output[-20:]))
     expect_equal(chip.flash()[: len(content)], content, "flash")
-    expect_equal(chip.objections(), [], "objections of the chip")
     expect(not robot.get("ProgressBar1", "Visible"), "the progress bar is still there")
     expect_at_rest(robot)
 
@@ -144,6 +144,50 @@ def _(bench):
     expect_equal(flash[0x1000 : 0x1000 + 700], content, "the high part")
 
 
+@scenario("a whole 60 KB at the pace of the line")
+def _(bench):
+    download_one(bench, "VKM47H516RK+", "VKM47H516RK+", program(0xF000))
+
+
+@scenario("a data file goes into the data memory")
+def _(bench):
+    code, data = program(1000), program(700, seed=2)
+    chip = bench.chip("VKM26H5410", fast=True)
+    robot = bench.robot_with(chip, "VKM26H5410")
+    robot.load_bytes(bench.folder, code)
+    robot.open_file(bench.file("data.bin", data), "comLoadDataFile")
+    robot.wait("txtDataFileCheckSum", "Text", not_equals="")
+    robot.download()
+    expect_done(robot, chip, code)
+    start = robot.value("MCU_Info.Data_Start")
+    expect_equal(chip.flash()[start : start + len(data)], data, "data memory")
+
+
+@scenario("a file is opened again before each download")
+def _(bench):
+    chip = bench.chip("VKM47H58RK+", fast=True)
+    robot = bench.robot_with(chip, "VKM47H58RK+")
+    robot.load_bytes(bench.folder, program(500))
+    robot.check("cekReloadFile")
+    newer = program(500, seed=3)
+    bench.file("program.bin", newer)
+    robot.download()
+    expect_done(robot, chip, newer)
+
+
+@scenario("a second click on Download does nothing")
+def _(bench):
+    chip = bench.chip("VKM47H58RK+", fast=True, off=True)
+    robot = bench.robot_with(chip, "VKM47H58RK+")
+    robot.load_bytes(bench.folder, program(500))
+    robot.click("comDownload(0)")
+    expect_equal(robot.error("click", on="comDownload(0)"), "disabled", "second click")
+    chip.do("on")
+    robot.idle()
+    expect_done(robot, chip, program(500))
+    expect_equal(robot.get("txtWrite_OK_Count"), "1", "counter")
+
+
 @scenario("the second way of connecting is kept for programs")
 def _(bench):
     robot = bench.robot()
@@ -194,7 +238,6 @@ def stop_when(bench, ready, content_length=6000, button="comDownload(0)", **opti
     expect_equal(robot.boxes(), [], "boxes")
     chip.do("no-faults")
     chip.do("new")
-    chip.forget()  # a stop cuts off what is on the wire
     robot.download()
     expect_done(robot, chip, content)
 
@@ -325,7 +368,6 @@ def pull_when(bench, ready, content_length=500, **options):
     chip.do("no-faults")
     chip.do("plug")
     chip.do("new")
-    chip.forget()
     robot.download()
     expect_done(robot, chip, content)
 
@@ -443,14 +485,15 @@ def _(bench):
     first.model("VKM26H2052")
     first.check("Option0(0)")
     first.choose("combCommPort", text="COM3")
-    first.wait("txtISP_reange(1)", "Text", not_equals="")
-    time.sleep(1)
+    first.do("size", width=1250, height=820)
+    time.sleep(1.5)
     first.kill()
     again = bench.robot()
     expect_equal(again.get("txtDevice"), "VKM26H2052", "model")
     expect_equal(again.get("combCommPort"), "COM3", "port")
     expect_equal(again.get("Option0(0)", "Value"), 1, "double speed")
     expect_equal(again.settings()["安全锁"], "4", "speed number")
+    expect_equal(again.settings()["MainWidth"], str(1250 * 15), "width")
 
 
 @scenario("settings of junk")
@@ -793,6 +836,14 @@ def _(bench):
     expect_equal(robot.error("enter", on="txt_length", text="1"), "hidden", "on another page")
     expect("COM1" in robot.error("wait", on="combCommPort", property="Text", ms=20, equals="COM2"), "wait")
     expect_equal(robot.get("txtDevice"), "VKM47H51RB", "still there")
+
+
+@scenario("the robot refuses a wrong command line")
+def _(bench):
+    for arguments in (["--port", "17=x"], ["--port", "x"], ["--size", "big"], ["--settings"], ["-h"]):
+        run = subprocess.run([BUILD / "vkm_robot", *arguments], capture_output=True, timeout=30)
+        expect_equal(run.returncode, 2, f"exit status with {arguments}")
+        expect(b"vkm_robot:" in run.stderr, "no reason")
 
 
 @scenario("the robot's keyboard and caret")
