@@ -107,7 +107,7 @@ class Robot(Process):
             arguments += ["--port", f"{number}={device}"]
         if folder:
             arguments += ["--program-folder", folder]
-        environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", LC_ALL="C.UTF-8")
+        environment = {"QT_QPA_PLATFORM": "offscreen", **os.environ, "LC_ALL": "C.UTF-8"}
         super().__init__(arguments, environment)
         expect_equal(self._answer(ANSWER_LIMIT_S), {"ok": True, "ready": True}, "first line")
 
