@@ -329,6 +329,14 @@ TEST(Connect, ReadsTheOptionsOfFirmwareWhoseStatusHasNone) {
     EXPECT_EQ(bench.chip.counters().erases, 1);
 }
 
+TEST(Connect, TakesTheOptionsOfAStatusThatHasThem) {
+    SessionBench bench({.model = "VKM47H58RK"});
+    bench.load(300);
+    comDownload(bench.frm, 0);
+    for (const sim::LoggedFrame& frame : bench.chip.take_log())
+        EXPECT_NE(frame.kind, sim::FrameKind::status_read);
+}
+
 TEST(Connect, FailsWhenTheOptionsCantBeRead) {
     SessionBench bench({.model = "VKM47H58RK",
                         .status_length = 24,
@@ -384,6 +392,17 @@ TEST(Connect, OverTheTriggerClaims115200Baud) {
     EXPECT_TRUE(bench.flash_holds(bench.image));
     EXPECT_TRUE(bench.log_has("\r\nNow baud is: / 当前波特率为: 115200 bps."));
     EXPECT_FALSE(bench.log_has("We are trying to program"));
+}
+
+TEST(Connect, ASecondClickLeavesTheTriggerLinkAlone) {
+    SessionBench bench({.model = "VKM47H58RK+"});
+    bench.load(1000);
+    bench.at(200, [&] {
+        Command2(bench.frm);
+        EXPECT_EQ(bench.frm.screen.cheTL.Value, 1);
+    });
+    Command2(bench.frm);
+    expect_good_chip(bench);
 }
 
 TEST(Connect, TellsDoubleSpeedByHalfTheExternalClock) {
@@ -541,6 +560,47 @@ TEST(Erase, WithoutAnAnswerInThreeTriesFailsTheJob) {
     EXPECT_EQ(bench.sounder.beeps(), 3);
     EXPECT_EQ(bench.chip.counters().blocks, 0);
     EXPECT_GT(bench.job_ms(), 15000);
+}
+
+TEST(Erase, SparesTheDataMemoryOfAChipThatKeepsIt) {
+    for (bool keeps : {false, true}) {
+        sim::OptionBytes options;
+        options.fill(0xFF);
+        options[8] = keeps ? 0xFF : 0xFD;
+        SessionBench bench({.model = "VKM26H2052", .options = options});
+        bench.load(700);
+        comDownload(bench.frm, 0);
+        expect_good_chip(bench);
+        std::vector<std::uint8_t> range;
+        for (const Written& written : bench.port.written)
+            if (written.bytes.size() == 15 && written.bytes[5] == 0x84)
+                range.assign(written.bytes.begin() + 6, written.bytes.begin() + 13);
+        // From behind the image up to the data memory, or to its end.
+        EXPECT_EQ(range, keeps ? (std::vector<std::uint8_t>{0xFF, 0, 0x02, 0xBC, 0, 0x10, 0x00})
+                               : (std::vector<std::uint8_t>{0xFF, 0, 0x02, 0xBC, 0, 0x13, 0xFF}));
+    }
+}
+
+TEST(Erase, RestartsThePortAndRestsBehindTheAnswer) {
+    SessionBench bench;
+    bench.load(100);
+    int openings_before = 0;
+    int openings_after = 0;
+    std::function<void()> watch = [&] {
+        (bench.log_has("We are erasing") ? openings_after : openings_before) = bench.port.openings;
+        if (!bench.log_has("Programming...")) bench.at(1, watch);
+    };
+    bench.at(0, watch);
+    comDownload(bench.frm, 0);
+    EXPECT_EQ(openings_after, openings_before + 1);
+
+    Instant erased{};
+    Instant first_block{};
+    for (const sim::LoggedFrame& frame : bench.chip.take_log()) {
+        if (frame.kind == sim::FrameKind::erase) erased = frame.at;
+        if (frame.kind == sim::FrameKind::block && first_block == Instant{}) first_block = frame.at;
+    }
+    EXPECT_GE(first_block - erased, Milliseconds(100));
 }
 
 TEST(Erase, TakesAnyGoodFrameForAnAnswer) {
@@ -742,6 +802,7 @@ TEST(Programming, CutsTheImageBelowTheBootFirmware) {
     expect_good_chip(whole);
     EXPECT_TRUE(whole.flash_holds(whole.image));
     EXPECT_TRUE(whole.log_has("\r\nProgram OK / 下载 OK\r\n"));
+    EXPECT_EQ(whole.frm.session.Cut_Note, "");
 }
 
 TEST(Programming, RemarksTheCutInEnglishBehindTheResult) {
