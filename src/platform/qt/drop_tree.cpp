@@ -16,7 +16,6 @@ DropTree::DropTree(ScreenView& view, Screen& screen, OperatorQueue& queue, QWidg
       queue_(queue),
       ground_(ground),
       box_(view(screen.txtDevice)),
-      arrow_(view(screen.Command3)),
       tree_(view(screen.TreeViewDevice)) {
     tree_->setParent(ground);
     tree_->hide();
@@ -34,13 +33,12 @@ bool DropTree::eventFilter(QObject* watched, QEvent* event) {
     return false;
 }
 
-// Over the box and its arrow, downward as far as there is room.
+// Over the box, downward as far as there is room; the arrow stays free and closes it.
 void DropTree::place() {
     const QPoint corner = box_->mapTo(ground_, QPoint(0, 0));
-    const int right = arrow_->mapTo(ground_, QPoint(arrow_->width(), 0)).x();
     const int wanted = rows_shown * tree_->fontMetrics().lineSpacing();
     const int room = ground_->height() - corner.y();
-    tree_->setGeometry(corner.x(), corner.y(), right - corner.x(), std::min(wanted, room));
+    tree_->setGeometry(corner.x(), corner.y(), box_->width(), std::min(wanted, room));
     tree_->raise();
 }
 

@@ -25,7 +25,6 @@ class DropTree final : public QObject {
     OperatorQueue& queue_;
     QPointer<QWidget> ground_;
     QPointer<QWidget> box_;
-    QPointer<QWidget> arrow_;
     QPointer<QWidget> tree_;
 };
 

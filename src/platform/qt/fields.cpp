@@ -48,6 +48,21 @@ QSize TextView::minimumSizeHint() const {
             rows_ * fontMetrics().lineSpacing() + margins};
 }
 
+Readout::Readout(int columns) : columns_(columns) {
+    setTextFormat(Qt::PlainText);
+    setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    fix_size();
+}
+
+void Readout::changeEvent(QEvent* event) {
+    QLabel::changeEvent(event);
+    if (event->type() == QEvent::FontChange) fix_size();
+}
+
+void Readout::fix_size() {
+    setFixedSize(fontMetrics().horizontalAdvance(QString(columns_, u'0')), fontMetrics().height());
+}
+
 void Group::set_caption(const QString& caption) {
     caption_ = caption;
     fit_title();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
@@ -34,6 +35,21 @@ class TextView final : public QPlainTextEdit {
   private:
     int rows_ = 4;
     int columns_ = 20;
+};
+
+// A value that changes all the time, in a place of fixed size: so many digits
+// wide. A label would have the whole window laid out anew for each value.
+class Readout final : public QLabel {
+  public:
+    explicit Readout(int columns);
+
+  protected:
+    void changeEvent(QEvent* event) override;
+
+  private:
+    void fix_size();
+
+    int columns_;
 };
 
 // A titled group. Where the title finds no room it ends in "…", and a hint shows

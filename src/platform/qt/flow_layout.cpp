@@ -1,10 +1,18 @@
 #include "platform/qt/flow_layout.h"
 
+#include <QPushButton>
 #include <QStyle>
 #include <QWidget>
 #include <algorithm>
 
 namespace vkm {
+namespace {
+
+bool is_button(QLayoutItem& item) {
+    return qobject_cast<QPushButton*>(item.widget()) != nullptr;
+}
+
+}  // namespace
 
 FlowLayout::FlowLayout() {
     setContentsMargins(0, 0, 0, 0);
@@ -72,11 +80,22 @@ int FlowLayout::height_at(int width) const {
     return height;
 }
 
-// From left to right, each in the middle of the line's height.
+int FlowLayout::button_height(const Line& line) const {
+    int height = 0;
+    for (qsizetype i = line.first; i < line.end; ++i)
+        if (!items_[i]->isEmpty() && is_button(*items_[i]))
+            height = std::max(height, items_[i]->sizeHint().height());
+    return height;
+}
+
+// From left to right, each in the middle of the line's height; buttons are of
+// one height.
 void FlowLayout::place(const Line& line, QPoint corner, int width) {
+    const int buttons = button_height(line);
     for (qsizetype i = line.first; i < line.end; ++i) {
         if (items_[i]->isEmpty()) continue;
-        const QSize size = items_[i]->sizeHint().boundedTo({width, line.height});
+        QSize size = items_[i]->sizeHint().boundedTo({width, line.height});
+        if (is_button(*items_[i])) size.setHeight(buttons);
         const QPoint middle(0, (line.height - size.height()) / 2);
         items_[i]->setGeometry({corner + middle, size});
         corner.rx() += size.width() + gap(Qt::Horizontal);

@@ -34,6 +34,7 @@ class FlowLayout final : public QLayout {
     };
     Line line_from(qsizetype first, int width) const;
     int height_at(int width) const;
+    int button_height(const Line& line) const;
     void place(const Line& line, QPoint corner, int width);
     int gap(Qt::Orientation orientation) const;
 

@@ -1,5 +1,6 @@
 #include "platform/qt/fonts.h"
 
+#include <QApplication>
 #include <QFontDatabase>
 
 namespace vkm {
@@ -16,6 +17,8 @@ constexpr const char* two_column_families[] = {
 
 QFont monospaced_font() {
     QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    // As large as the rest of the window, whatever size the operator has chosen.
+    font.setPointSizeF(QApplication::font().pointSizeF());
     font.setStyleHint(QFont::Monospace);
     font.setFixedPitch(true);
     for (const char* family : two_column_families)

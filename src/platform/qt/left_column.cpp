@@ -144,16 +144,18 @@ QWidget* make_step_4(ScreenView& view, Screen& s) {
 
 // ---- step 5: the job -----------------------------------------------------------------
 
+constexpr int kilobyte_columns = 8;  // "62.000K"
+
 QLayout* make_buttons(ScreenView& view, Screen& s) {
     auto* bar = static_cast<QProgressBar*>(keeping_its_place(view(s.ProgressBar1)));
     bar->setTextVisible(false);
-    auto* kilobytes = static_cast<QLabel*>(view(s.labKbyte));
-    kilobytes->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    kilobytes->setMinimumWidth(
-        kilobytes->fontMetrics().horizontalAdvance(QStringLiteral("00.000K")));
     auto* line = row({view.use(s.comDownload[0], new AccentButton), view(s.comDownload[1]),
-                      view(s.comStop_Download), view(s.Command2), bar, kilobytes});
+                      view(s.comStop_Download), view(s.Command2), bar,
+                      view.use(s.labKbyte, new Readout(kilobyte_columns))});
     line->setStretchFactor(bar, 1);
+    // Letters of another typeface make a button higher: all take the row's height.
+    for (Control* button : {&s.comDownload[0], &s.comDownload[1], &s.comStop_Download})
+        view(*button)->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
     return line;
 }
 

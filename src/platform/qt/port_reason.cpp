@@ -15,7 +15,7 @@ namespace vkm {
 namespace {
 
 // One row a reason: what is wrong, in both languages, and what to do about it.
-// %1 is the port with its device, %2 what the reason adds.
+// %1 is the port, %2 what the reason adds.
 struct ReasonText {
     int error;
     const char* text;
@@ -140,8 +140,7 @@ PortReason ask_the_system(const QString& port, const FailedOpen& failed) {
 PortReason reason_of(const FailedOpen& failed) {
     const QString name = QString::fromStdString(failed.name);
     if (failed.device.empty()) return reason(no_device, name);
-    return ask_the_system(QStringLiteral("%1 %2").arg(name, QString::fromStdString(failed.device)),
-                          failed);
+    return ask_the_system(name, failed);
 }
 
 PortReason reason_of_refused_settings(const std::string& name, const std::string& settings) {
