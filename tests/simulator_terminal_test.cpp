@@ -287,7 +287,8 @@ struct Bench {
     Recorder nobody;
     sim::PacedLine line{nobody.target()};
     sim::PseudoTerminal terminal;
-    sim::ChipBench bench{driver.chip, line, terminal, ""};
+    sim::LineMeter meter;
+    sim::ChipBench bench{driver.chip, line, terminal, meter, ""};
 
     std::string command(const std::string& text) {
         return sim::carry_out_command(bench, text, driver.now);
@@ -378,6 +379,20 @@ TEST(ChipReports, TellTheStoryOfADownload) {
                   "powered", "connected 11059200 Hz 1200 baud", "rate 115200", "erasing",
                   "block 0x0200 128", "block 0x0200 100 retry", "erased", "options 1=F5", "started",
                   "objection unknown command: 46 B9 6A 00 06 77 E7 16", "unpowered"}));
+}
+
+TEST(LineMeter, TellsTheBlocksShareOfTheLine) {
+    using std::chrono::microseconds;
+    sim::LineMeter meter;
+    const sim::Instant begin{};
+    meter.host_wrote(begin, 12, 115200);  // no block yet: doesn't count
+    meter.host_was_given(begin, 6, 115200);
+    meter.host_wrote(begin + microseconds(1000), 144, 115200);
+    meter.host_was_given(begin + microseconds(14600), 9, 115200);
+    meter.host_wrote(begin + microseconds(14650), 144, 115200);
+    meter.host_was_given(begin + microseconds(28000), 9, 115200);
+    meter.host_wrote(begin + microseconds(90000), 12, 115200);  // behind the last block
+    EXPECT_EQ(meter.report(), "bulk_us=27000 wire_us=26562 turnarounds=1 median_us=50 p95_us=50");
 }
 
 }  // namespace

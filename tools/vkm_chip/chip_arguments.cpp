@@ -242,6 +242,7 @@ constexpr std::string_view help_tail =
     "  load FILE           fills the flash\n"
     "  options             prints the option bytes\n"
     "  state               prints the chip's state and counters\n"
+    "  measure             prints how well the host has used the line\n"
     "  quit\n"
     "Each is answered with one line, \"ok ...\" or \"error ...\".\n"
     "\n"

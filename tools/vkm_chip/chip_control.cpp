@@ -91,6 +91,8 @@ constexpr Command commands[] = {
      [](ChipBench& bench, std::string_view, Instant) { return "ok " + options_text(bench.chip); }},
     {"state",
      [](ChipBench& bench, std::string_view, Instant) { return "ok " + state_text(bench.chip); }},
+    {"measure",
+     [](ChipBench& bench, std::string_view, Instant) { return "ok " + bench.meter.report(); }},
     {"quit",
      [](ChipBench& bench, std::string_view, Instant) {
          bench.quit = true;

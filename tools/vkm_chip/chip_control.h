@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "simulators/simulated_chip.h"
+#include "vkm_chip/line_meter.h"
 #include "vkm_chip/paced_line.h"
 #include "vkm_chip/pseudo_terminal.h"
 
@@ -14,6 +15,7 @@ struct ChipBench {
     SimulatedChip& chip;
     PacedLine& line;
     PseudoTerminal& terminal;
+    LineMeter& meter;
     std::string link;  // to be made again when the cable is put in; empty: none
     bool quit = false;
 };

@@ -55,7 +55,7 @@ class Program {
         : arguments_(arguments),
           chip_(arguments.config),
           line_(chip_.target()),
-          bench_{chip_, line_, terminal_, arguments.link} {}
+          bench_{chip_, line_, terminal_, meter_, arguments.link} {}
 
     int run() {
         if (!prepare()) return 1;
@@ -93,11 +93,16 @@ class Program {
         if (terminal_.plugged()) line_.host_rate(now_instant(), terminal_.host_rate());
         const Instant now = now_instant();
         line_.run(now);
-        if (terminal_.plugged()) terminal_.write(line_.take_for_host());
+        if (terminal_.plugged()) give_to_host(line_.take_for_host());
         for (const std::string& text : reporter_.news(chip_, now))
             if (!arguments_.quiet) print_line(text);
         tell_lost_bytes();
         if (reporter_.take_rest()) save();
+    }
+
+    void give_to_host(const std::vector<std::uint8_t>& bytes) {
+        terminal_.write(bytes);
+        meter_.host_was_given(now_instant(), bytes.size(), terminal_.host_rate());
     }
 
     void tell_lost_bytes() {
@@ -130,6 +135,7 @@ class Program {
         const Instant now = now_instant();
         line_.host_rate(now, terminal_.host_rate());
         line_.host_writes(now, bytes);
+        meter_.host_wrote(now, bytes.size(), terminal_.host_rate());
     }
 
     void take_commands() {
@@ -160,6 +166,7 @@ class Program {
     SimulatedChip chip_;
     PacedLine line_;
     PseudoTerminal terminal_;
+    LineMeter meter_;
     ChipBench bench_;
     ChipReporter reporter_;
     int signals_ = -1;
