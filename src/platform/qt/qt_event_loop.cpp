@@ -41,17 +41,18 @@ Instant QtEventLoop::now() const {
 
 void QtEventLoop::turn(Instant until) {
     draw();
-    QCoreApplication::processEvents();
-    const bool heard = hand_in();
-    if (heard || std::exchange(port_called_, false)) return;
+    if (hand_in() || std::exchange(port_called_, false)) return;
     const Instant time = now();
     const Instant wake_at = std::min(until, port_.next_departure(time));
-    if (wake_at <= time) return;
-    sleep(wake_at);
+    if (wake_at <= time)
+        QCoreApplication::processEvents();
+    else
+        sleep(wake_at);
     hand_in();
     port_called_ = false;
 }
 
+// Returns at once when the toolkit has something pending.
 void QtEventLoop::sleep(Instant until) {
     if (until != never) alarm_.start(milliseconds(until - now()));
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

@@ -23,10 +23,6 @@ constexpr Milliseconds adapter_delay = 2ms;
 constexpr Milliseconds drain_margin = 100ms;
 constexpr Milliseconds drain_step = 1ms;
 
-// From this length on each byte that leaves wakes the event loop, so that
-// connect pulses follow each other without a gap; at higher rates the end does.
-constexpr Milliseconds slow_byte = 4ms;
-
 // How far the rate of a device may lie from the one asked for: a UART follows
 // less than 5 % together with the error of the other end.
 constexpr double baud_tolerance = 0.03;
@@ -158,11 +154,8 @@ void QtSerialPort::write(std::span<const std::uint8_t> bytes) {
 
 Instant QtSerialPort::next_departure(Instant now) const {
     if (!is_open()) return never;
-    const std::size_t unsent = clock_.unsent(now);
     const Instant end = clock_.free_at();
-    if (unsent > 0 && clock_.byte_time() >= slow_byte)
-        return end - clock_.byte_time() * static_cast<long>(unsent - 1);
-    if (unsent > 0) return end;
+    if (clock_.unsent(now) > 0) return end;
     return held_by_system() > 0 && now < end + drain_margin ? now + drain_step : never;
 }
 
