@@ -19,6 +19,8 @@ namespace {
 // Often enough for a person's patience, seldom enough not to slow a job down.
 constexpr int look_interval_ms = 5;
 
+constexpr int patience_ms = 500;
+
 const QString tree_name = "TreeViewDevice";
 const QString tree_arrow_name = "Command3";
 constexpr int tree_opens_ms = 2000;
@@ -99,8 +101,20 @@ void Robot::take_end() {
 
 // ---- in turn ---------------------------------------------------------------------
 
+// A box on the screen is answered first, and a file that is being read gets the
+// time to be there, as with a person; a long one doesn't hold up what comes next.
+bool Robot::held() {
+    if (answers_.busy()) return true;
+    if (tool_.frm.screen.MousePointer != wait_pointer) {
+        reading_.invalidate();
+        return false;
+    }
+    if (!reading_.isValid()) reading_.start();
+    return !reading_.hasExpired(patience_ms);
+}
+
 void Robot::work() {
-    if (!ready_ || !drawn_ || over_ || answers_.busy()) return;
+    if (!ready_ || !drawn_ || over_ || held()) return;
     if (waiting_) return look_again();
     if (!lines_.empty()) {
         drawn_ = false;

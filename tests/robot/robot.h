@@ -44,6 +44,7 @@ class Robot : public QObject {
         std::function<QString()> too_late;  // the error then
     };
 
+    bool held();
     void work();
     void carry_out(const QByteArray& line);
     void answer(const QJsonObject& fields = {});
@@ -83,9 +84,10 @@ class Robot : public QObject {
     Box_Answers answers_{[this] { drawn_ = false; }};
     std::deque<QByteArray> lines_;
     std::optional<Waiting> waiting_;
-    QTimer again_;        // looks again, while something is waited for
-    bool drawn_ = true;   // the loop has drawn since the last command
-    bool ready_ = false;  // the window is shown, and that has been told
+    QTimer again_;           // looks again, while something is waited for
+    QElapsedTimer reading_;  // since a file is being read, while it is
+    bool drawn_ = true;      // the loop has drawn since the last command
+    bool ready_ = false;     // the window is shown, and that has been told
     bool input_ended_ = false;
     bool quitting_ = false;
     bool over_ = false;

@@ -8,6 +8,7 @@ A NAME chooses the scenarios that begin with it. Pictures of the window go to
 robot-shots in the build folder.
 """
 
+import os
 import pathlib
 import re
 import subprocess
@@ -671,6 +672,22 @@ def _(bench):
     expect_equal(robot.boxes()[-1]["answer"], "yes", "answer")
 
 
+@scenario("a file that takes its time")
+def _(bench):
+    path = bench.folder / "long.hex"
+    with path.open("w") as out:
+        out.write("no record\n" * 16_000_000)
+    robot = bench.robot()
+    robot.model("VKM47H58RK+")
+    robot.open_file(path)
+    robot.shot("reading-a-long-file")
+    expect_equal(robot.value("File_Loaded"), False, "File_Loaded while it is read")
+    robot.click("comDownload(0)")
+    robot.choose("TabStrip2", key="EEPROM_File")
+    robot.wait("frmDataFlash", "Visible", equals=True)
+    expect_equal(robot.quit(), 0, "exit status")
+
+
 @scenario("saving a file")
 def _(bench):
     robot = bench.robot()
@@ -841,7 +858,12 @@ def _(bench):
 @scenario("the robot refuses a wrong command line")
 def _(bench):
     for arguments in (["--port", "17=x"], ["--port", "x"], ["--size", "big"], ["--settings"], ["-h"]):
-        run = subprocess.run([BUILD / "vkm_robot", *arguments], capture_output=True, timeout=30)
+        run = subprocess.run(
+            [BUILD / "vkm_robot", *arguments],
+            capture_output=True,
+            timeout=30,
+            env=dict(os.environ, QT_QPA_PLATFORM="offscreen"),
+        )
         expect_equal(run.returncode, 2, f"exit status with {arguments}")
         expect(b"vkm_robot:" in run.stderr, "no reason")
 
