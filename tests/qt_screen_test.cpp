@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <QComboBox>
+#include <QDropEvent>
+#include <QFile>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -12,6 +15,8 @@
 #include <QTabBar>
 #include <QTemporaryDir>
 #include <QTreeWidget>
+#include <QUrl>
+#include <algorithm>
 
 #include "platform/qt/as_drawn.h"
 #include "platform/qt/control_hints.h"
@@ -252,16 +257,46 @@ TEST_F(QtScreenTest, OfASetOfOptionsOneIsOn) {
 
 TEST_F(QtScreenTest, ChangesByTheLogicRaiseNoEvent) {
     settle();
-    tool.frm.timers.Timer3.Enabled = false;
     screen.combCommPort.ListIndex = 5;
     screen.optBeepNo.Value = 1;
     screen.optBeepYes.Value = 0;
+    screen.cekReloadFile.Value = 1;
     screen.txtWrite_OK_Count.Text = "77";
-    screen.comDalay_ReDownLoad.ListIndex = 0;
+    screen.textMsg.Text += "\r\nmore";
+    screen.textMsg.SelStart = 3;
     screen.vscFile[0].Max = 30;
     screen.vscFile[0].Value = 3;
+    screen.TabStrip1.ListIndex = 3;
+    screen.TreeViewDevice.ListIndex = 5;
+    screen.lst_debug2.List = {{"00", "", ""}, {"08", "", ""}};
+    screen.lst_debug2.ListIndex = 1;
+    screen.window.Width = 1000 * 15;
+    tool.window.draw();
+    for (int i = 0; i < 4; ++i) {
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(tool.queue.hand_in(tool.frm));
+    }
+    EXPECT_EQ(screen.textMsg.SelStart, 3);
+}
+
+TEST_F(QtScreenTest, EachChangedControlIsDrawnOnce) {
+    struct Counter final : QObject {
+        int paints = 0;
+        bool eventFilter(QObject*, QEvent* event) override {
+            if (event->type() == QEvent::Paint) ++paints;
+            return false;
+        }
+    } counter;
+    QWidget* label = widget(screen.labKbyte);
+    label->installEventFilter(&counter);
     settle();
-    EXPECT_FALSE(tool.frm.timers.Timer3.Enabled) << "a setting counts as changed by the operator";
+    counter.paints = 0;
+    for (int i = 0; i < 10; ++i) screen.labKbyte.Caption = std::to_string(i) + ".000K";
+    settle();
+    EXPECT_EQ(counter.paints, 1);
+    settle();
+    EXPECT_EQ(counter.paints, 1) << "nothing has changed";
+    label->removeEventFilter(&counter);
 }
 
 TEST_F(QtScreenTest, ATabThatIsChosenShowsItsPage) {
@@ -408,6 +443,74 @@ TEST_F(QtScreenTest, TheLogHasSixLinesOnASmallScreen) {
     const QWidget* log = widget(screen.textMsg);
     EXPECT_GE(log->height(), 6 * log->fontMetrics().lineSpacing());
     EXPECT_LE(log->mapTo(&tool.window, QPoint(0, log->height())).y(), 600);
+}
+
+TEST_F(QtScreenTest, TheTabulatorGoesThroughTheStepsInTheirOrder) {
+    const QWidget* steps[] = {widget(screen.Frame3),  widget(screen.Frame5),
+                              widget(screen.Frame6),  widget(screen.Frame2),
+                              widget(screen.Frame13), widget(screen.textMsg)};
+    std::vector<int> order;
+    const QWidget* first = widget(screen.txtDevice);
+    const QWidget* at = first;
+    do {
+        for (int step = 0; step < 6; ++step)
+            if ((at == steps[step] || steps[step]->isAncestorOf(at)) &&
+                (at->focusPolicy() & Qt::TabFocus) && at->isVisible())
+                order.push_back(step);
+        at = at->nextInFocusChain();
+    } while (at != first);
+    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+    EXPECT_GT(order.size(), 20u);
+}
+
+TEST_F(QtScreenTest, EveryControlThatCanBeOperatedIsReachedByTheKeyboard) {
+    for_each_control(screen, [&](Control& control) {
+        switch (control.Kind) {
+            case ControlKind::Label:
+            case ControlKind::Frame:
+            case ControlKind::Picture:
+            case ControlKind::ProgressBar:
+            case ControlKind::ScrollBar:
+                return;
+            default:
+                EXPECT_TRUE(widget(control)->focusPolicy() & Qt::TabFocus) << control.Name;
+        }
+    });
+}
+
+TEST_F(QtScreenTest, AFileDroppedOnTheWindowIsOpened) {
+    QFile file(folder.filePath("dropped.bin"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("abc");
+    file.close();
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(file.fileName())});
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&tool.window, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent event(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&tool.window, &event);
+    EXPECT_FALSE(tool.frm.images.File_Loaded) << "an operation ran inside the toolkit";
+    settle();
+    EXPECT_TRUE(tool.frm.images.File_Loaded);
+    EXPECT_EQ(tool.frm.images.Current_File, file.fileName().toStdString());
+}
+
+TEST_F(QtScreenTest, TheStatusLineTellsThePortAndItsState) {
+    const auto text = [&] {
+        settle();
+        QString all;
+        for (const QLabel* label : tool.window.findChildren<QLabel*>())
+            if (label->isVisible()) all += label->text() + u'\n';
+        return all;
+    };
+    tool.ports.use(3, "");
+    screen.combCommPort.ListIndex = 2;
+    EXPECT_TRUE(text().contains("COM3")) << text().toStdString();
+    EXPECT_TRUE(text().contains("closed"));
+    tool.port.set_port_number(3);
+    EXPECT_GT(tool.port.open(), 0);
+    EXPECT_TRUE(text().contains("no device has this number")) << "the reason is not shown";
 }
 
 TEST_F(QtScreenTest, ClosingAsksTheLogicFirst) {
