@@ -118,5 +118,18 @@ TEST(ClosingDuringADownload, ASecondClickOnTheCloseButtonClosesAtOnce) {
     expect_over(bench);
 }
 
+TEST(Closing, NoJobBeginsBehindABoxThatOutlivedTheWindow) {
+    ClosingBench bench;
+    // The remembered file has gone, and the box that tells it stands until the
+    // window has closed in its second pass.
+    bench.frm.screen.cekReloadFile.Value = 1;
+    bench.dialogs.stays = Milliseconds(2000);
+    bench.close_in(0);
+    bench.at(100, [&] { bench.click_download(0); });
+    bench.run_for(5000);
+    expect_over(bench);
+    EXPECT_EQ(bench.chip.counters().pulses, 0);
+}
+
 }  // namespace
 }  // namespace vkm

@@ -35,6 +35,40 @@ struct Window : VirtualWorld {
 
 // ---- start-up -----------------------------------------------------------------
 
+TEST(WindowStart, LeavesOffWhatTheModelOrTheFieldsDoNotAllow) {
+    Window window;
+    const Screen& s = window.frm.screen;
+    EXPECT_FALSE(s.comDownSoft_ICE.Enabled) << "the model has no debug monitor";
+    EXPECT_FALSE(s.comStoreFile.Enabled) << "no start address";
+    EXPECT_TRUE(s.cheClearDataBuffer.Enabled);
+    EXPECT_TRUE(s.comDownload[0].Enabled);
+    EXPECT_FALSE(s.comStop_Download.Enabled);
+}
+
+TEST(WindowStart, KeepsTheDataImageShutForTheOldestFamily) {
+    Window window;
+    window.frm.screen.TreeViewDevice.ListIndex = -1;
+    ASSERT_TRUE(choose_key(window.frm.screen.TreeViewDevice, "VKM47H58RK"));
+    window.click(window.frm.screen.TreeViewDevice);
+    window.run_for(600);
+    VirtualWorld again;
+    again.settings = window.settings;
+    wire(again.frm);
+    Load(again.frm);
+    EXPECT_EQ(again.frm.screen.txtDevice.Text, "VKM47H58RK");
+    EXPECT_FALSE(again.frm.screen.cheClearDataBuffer.Enabled);
+    EXPECT_TRUE(again.frm.screen.comDownSoft_ICE.Enabled);
+}
+
+TEST(WindowStart, AProjectFileShowsThePageOfProjects) {
+    Window window;
+    window.files.add("/job/a.VKM", std::string_view("VER: 1.1\r\n"));
+    window.dialogs.choose_file("/job/a.VKM");
+    window.click(window.frm.screen.comLoadFile);
+    EXPECT_TRUE(window.frm.screen.fra_Batch_quantity.Visible);
+    EXPECT_FALSE(window.frm.screen.Frame7.Visible);
+}
+
 TEST(WindowStart, FillsTheLists) {
     Window window;
     const Screen& s = window.frm.screen;
