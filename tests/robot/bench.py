@@ -222,7 +222,7 @@ class Chip(Process):
     def __init__(self, model, folder, **options):
         self.folder = folder
         self.device = folder / f"chip-{next(_numbers)}"  # stays when the cable is plugged again
-        arguments = [BUILD / "vkm-chip", "--model", model, "--link", self.device]
+        arguments = [BUILD / "vkm-chip", "--model", model, "--link", self.device, "--until-eof"]
         for name, value in options.items():
             for each in value if isinstance(value, list) else [value]:
                 arguments.append("--" + name.replace("_", "-"))
