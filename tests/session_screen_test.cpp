@@ -126,7 +126,10 @@ TEST(Progress, ShowsAndHidesTheBar) {
     EXPECT_FALSE(screen.ProgressBar1.Visible);
     EXPECT_EQ(screen.labKbyte.Caption, "");
     Show_Progress(world.frm, Progress::fill_grid);
-    EXPECT_TRUE(screen.ProgressBar1.Visible);
+    EXPECT_TRUE(screen.ProgressBar2.Visible);
+    EXPECT_FALSE(screen.ProgressBar1.Visible);
+    Show_Progress(world.frm, Progress::hide);
+    EXPECT_FALSE(screen.ProgressBar2.Visible);
 }
 
 TEST(Progress, TellsKilobytesWithADigitBeforeThePoint) {

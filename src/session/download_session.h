@@ -39,6 +39,7 @@ bool Check_Model(frmMain& frm);
 // Appends the clock lines of the log.
 void Show_Clock(frmMain& frm);
 
+// The bar of a download, that of the buffer view, or none.
 enum class Progress { down_load, fill_grid, hide };
 void Show_Progress(frmMain& frm, Progress mode);
 

@@ -17,10 +17,22 @@ void show_programmed(frmMain& frm, const Progress_Scale& scale, Address_Range pr
     frm.screen.labKbyte.Caption = kilobytes(programmed.last - programmed.first + 1) + "K";
 }
 
-// One bar serves both kinds of progress; its place and width are the edge's.
+// The place and width of a bar are the edge's.
 void Show_Progress(frmMain& frm, Progress mode) {
-    frm.screen.ProgressBar1.Visible = mode != Progress::hide;
-    if (mode == Progress::hide) frm.screen.labKbyte.Caption.clear();
+    Screen& screen = frm.screen;
+    switch (mode) {
+        case Progress::down_load:
+            screen.ProgressBar1.Visible = true;
+            break;
+        case Progress::fill_grid:
+            screen.ProgressBar2.Visible = true;
+            break;
+        case Progress::hide:
+            screen.labKbyte.Caption.clear();
+            screen.ProgressBar1.Visible = false;
+            screen.ProgressBar2.Visible = false;
+            break;
+    }
 }
 
 }  // namespace vkm

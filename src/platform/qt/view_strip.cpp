@@ -99,10 +99,12 @@ QWidget* make_view_strip(ScreenView& view, Screen& s, OperatorQueue& queue) {
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(0);
     lines->addWidget(view(s.TabStrip2));
-    for (QWidget* page : {make_buffer_page(view, s.Frame7, s.txtBuffer, s.vscFile[0]),
-                          make_buffer_page(view, s.frmDataFlash, s.txtDataFlash1, s.vscFile[1]),
-                          make_register_page(view, s), make_memory_page(view, s),
-                          make_assistant_page(view, s, queue), make_project_page(view, s)})
+    QWidget* program_page = make_buffer_page(view, s.Frame7, s.txtBuffer, s.vscFile[0]);
+    program_page->layout()->addWidget(view(s.ProgressBar2));
+    for (QWidget* page :
+         {program_page, make_buffer_page(view, s.frmDataFlash, s.txtDataFlash1, s.vscFile[1]),
+          make_register_page(view, s), make_memory_page(view, s),
+          make_assistant_page(view, s, queue), make_project_page(view, s)})
         lines->addWidget(page, 1);
     return strip;
 }
