@@ -165,13 +165,13 @@ TEST(Download, ReloadsTheProgramFileWhenTheOperatorWantsIt) {
     SessionBench bench({.model = "VKM47H58RK+"});
     const auto first = random_bytes(900, 5);
     const auto second = random_bytes(1200, 6);
-    bench.files.add("/work/app.bin", first);
-    bench.settings.preset("Settings", "FilePath", "/work/app.bin");
-    bench.dialogs.choose_file("/work/app.bin");
+    bench.files.add("/job/app.bin", first);
+    bench.settings.preset("Settings", "FilePath", "/job/app.bin");
+    bench.dialogs.choose_file("/job/app.bin");
     bench.frm.screen.cheClearAP_Buffer.Value = 1;
     comLoadFile(bench.frm);
     ASSERT_TRUE(bench.frm.images.File_Loaded);
-    bench.files.add("/work/app.bin", second);
+    bench.files.add("/job/app.bin", second);
 
     bench.frm.screen.cekReloadFile.Value = 0;
     comDownload(bench.frm, 0);
@@ -186,14 +186,14 @@ TEST(Download, ReloadsTheProgramFileWhenTheOperatorWantsIt) {
 
 TEST(Download, ProgramsNothingWhenTheReloadedFileIsRefused) {
     SessionBench bench({.model = "VKM47H58RK+"});
-    bench.files.add("/work/app.hex", std::string_view(":0100000055AA\r\n:00000001FF\r\n"));
-    bench.settings.preset("Settings", "FilePath", "/work/app.hex");
-    bench.dialogs.choose_file("/work/app.hex");
+    bench.files.add("/job/app.hex", std::string_view(":0100000055AA\r\n:00000001FF\r\n"));
+    bench.settings.preset("Settings", "FilePath", "/job/app.hex");
+    bench.dialogs.choose_file("/job/app.hex");
     comLoadFile(bench.frm);
     ASSERT_TRUE(bench.frm.images.File_Loaded);
     // The compiler's next output is damaged, and the operator says No to it.
     const std::string bad = ":0100000055AB\r\n";
-    bench.files.add("/work/app.hex", std::string_view(bad + bad + bad + ":00000001FF\r\n"));
+    bench.files.add("/job/app.hex", std::string_view(bad + bad + bad + ":00000001FF\r\n"));
     bench.dialogs.answer_no();
     bench.frm.screen.cekReloadFile.Value = 1;
     comDownload(bench.frm, 0);

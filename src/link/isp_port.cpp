@@ -45,6 +45,7 @@ void Restart_Port(frmMain& frm) {
     take_port_number(frm);
     SerialPort& port = frm.platform.port;
     for (int tries = 0; tries < restart_open_tries && !port.is_open(); ++tries) port.open();
+    show_port_picture(frm, port.is_open());
 }
 
 void show_port_picture(frmMain& frm, bool open) {
