@@ -11,7 +11,7 @@ namespace vkm {
 enum class EventKind {
     Click,     // button, check box, option, entry of a list, tab, node of a tree; a frame's ground
     Change,    // typed text, scroll bar
-    KeyDown,   // Key holds a key's code
+    KeyDown,   // Key: 13 Return, 27 Escape, 33 and 34 Page Up and Down, 38 and 40 Up and Down
     KeyPress,  // Text holds the character
     MouseUp,
     Drop,  // Text holds the path of a file dropped on the window

@@ -12,13 +12,20 @@ namespace {
 
 constexpr int address_columns = 6;
 constexpr int number_columns = 10;
-constexpr int widest_page = 120;  // characters; wider forms tear label and field apart
+constexpr int longest_field = 64;  // characters shown of a text of any length
 constexpr int help_rows = 8;
 constexpr int help_columns = 40;
 
 // A page of a tool: its tab shows the caption, so the frame has no title.
 QWidget* page_of(ScreenView& view, Control& frame) {
     return view.use(frame, new QWidget);
+}
+
+// A text of any length, in a field that doesn't run across the whole screen.
+QWidget* long_field(ScreenView& view, Control& control) {
+    Field* field = view.field(control, 0);
+    field->setMaximumWidth(longest_field * field->fontMetrics().horizontalAdvance(u'0'));
+    return field;
 }
 
 QWidget* pin_choice(ScreenView& view, std::array<Control, 2>& options, Control& pin) {
@@ -52,7 +59,7 @@ QWidget* make_user_code_page(ScreenView& view, Screen& s) {
     QWidget* page = page_of(view, s.Frame8);
     auto* fields = form();
     fields->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
-    fields->addRow(caption(user_code_caption), view.field(s.txtUserCode, 0));
+    fields->addRow(caption(user_code_caption), long_field(view, s.txtUserCode));
     fields->addRow(caption(setting_caption),
                    serial_setting(view, s.cobUserCodeBaud, s.cobUserCodeParity,
                                   s.cobUserCodeDataBits, s.cobUserCodeStopBits));
@@ -130,7 +137,7 @@ QWidget* make_demo_page(ScreenView& view, Screen& s) {
                    serial_setting(view, s.cob_DEMO_DownLoad_Baud, s.cob_DEMO_DownLoad_Parity,
                                   s.cob_DEMO_DownLoad_DataBits, s.cob_DEMO_DownLoad_StopBits));
     fields->addRow(view(s.che_Demo_DownLoad));
-    fields->addRow(caption("命令 / Code (HEX):"), view.field(s.txt_DEMO_UserCode, 0));
+    fields->addRow(caption("命令 / Code (HEX):"), long_field(view, s.txt_DEMO_UserCode));
     fields->addRow(caption("命令 / Code:"),
                    serial_setting(view, s.cob_DEMO_UserCode_Baud, s.cob_DEMO_UserCode_Parity,
                                   s.cob_DEMO_UserCode_DataBits, s.cob_DEMO_UserCode_StopBits));
@@ -190,7 +197,6 @@ QWidget* make_tool_strip(ScreenView& view, Screen& s) {
           make_read_page(view, s), make_number_page(view, s), make_demo_page(view, s),
           make_save_page(view, s), make_help_page(view, s), make_softice_page(view, s)})
         stack->addWidget(page);
-    pages->setMaximumWidth(pages->fontMetrics().averageCharWidth() * widest_page);
     lines->addWidget(scrolling(pages), 1);
     return strip;
 }
