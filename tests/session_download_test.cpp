@@ -67,6 +67,7 @@ TEST(Download, ProgramsAChipOfEveryGroupAndTellsItInTheLog) {
     for (const GroupCase& c : group_cases()) {
         SCOPED_TRACE(c.chip + " " + c.letter);
         SessionBench bench({.model = c.chip, .letter = c.letter, .version = c.version}, c.model);
+        bench.frm.screen.textMsg.Text = "of a job before";
         bench.load(1900);
         comDownload(bench.frm, 0);
         expect_good_chip(bench);
@@ -560,6 +561,7 @@ TEST(Erase, WithoutAnAnswerInThreeTriesFailsTheJob) {
     EXPECT_EQ(bench.sounder.beeps(), 3);
     EXPECT_EQ(bench.chip.counters().blocks, 0);
     EXPECT_GT(bench.job_ms(), 15000);
+    EXPECT_LT(bench.job_ms(), 18000);
 }
 
 TEST(Erase, SparesTheDataMemoryOfAChipThatKeepsIt) {
@@ -768,6 +770,16 @@ TEST(Programming, ASingleBlockInAMemoryHoleCountsAsDone) {
     EXPECT_TRUE(behind.flash_holds(behind.image, 0x8000));
 }
 
+TEST(Programming, SetsTheWaitsOfTheBoardLink) {
+    SessionBench bench;
+    bench.frm.link.Board_Block_Wait = 1;
+    bench.frm.link.Board_Gap_Wait = 1;
+    bench.load(10);
+    comDownload(bench.frm, 0);
+    EXPECT_EQ(bench.frm.link.Board_Block_Wait, 600);
+    EXPECT_EQ(bench.frm.link.Board_Gap_Wait, 200);
+}
+
 TEST(Programming, TakesAnswersWithoutADataSum) {
     SessionBench bench({.model = "VKM47H58RK+", .short_acks = true});
     bench.load(2000);
@@ -792,6 +804,7 @@ TEST(Programming, CutsTheImageBelowTheBootFirmware) {
                       "\r\nProgram OK / 下载 OK(有一部分数据未下载)。\r\n"))
         << bench.log();
     EXPECT_EQ(bench.frm.session.Cut_Note, "(Downloaded 61K only)");
+    EXPECT_EQ(bench.frm.screen.ProgressBar1.Max, 62463 / 256 + 1);
 
     // The next chip takes it whole: no remark.
     SessionBench whole({.model = "VKM47H516RK+"});
@@ -1002,6 +1015,7 @@ TEST(Counter, IsStoredBeforeAnythingElseCanGoWrong) {
         if (bench.log_has("Have already encrypt") && !seen) {
             seen = true;  // in the beep behind the report
             EXPECT_EQ(bench.settings.on_disk.at({"Settings", "Write_OK_Count"}), "42");
+            EXPECT_FALSE(bench.port.is_open());
         }
         bench.at(5, watch);
     };
