@@ -1,6 +1,8 @@
 #include "link/handshake.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <span>
 #include <string>
 
@@ -12,6 +14,7 @@
 #include "link/isp_link.h"
 #include "link/link_texts.h"
 #include "link/status_frame.h"
+#include "platform/port_settings.h"
 #include "text/numbers.h"
 #include "text/trimming.h"
 #include "waiting/waiting.h"
@@ -124,14 +127,24 @@ bool answered_or_stopped(const LinkState& link) {
     return link.frame_ok || link.stop_requested;
 }
 
+// How long the line needs, in ms, until no more than one pulse is unsent.
+std::int32_t until_one_pulse_is_left(const SerialPort& port) {
+    const std::size_t unsent = port.output_count();
+    const auto settings = parse_port_settings(port.settings());
+    if (!settings || unsent <= sync_pulse.size()) return 0;
+    const double bits = static_cast<double>(unsent - sync_pulse.size()) * settings->bits_per_byte();
+    return static_cast<std::int32_t>(std::ceil(bits * 1000 / settings->baud));
+}
+
 // Until the operator gives the chip its power. Pulses must not pile up in the
-// output: the chip would hear old ones long after its answer.
+// output: the chip would hear old ones long after its answer. An operator may
+// take an hour to switch on, so the tool sleeps as long as the line is busy.
 void pulse_until_answer(frmMain& frm) {
     LinkState& link = frm.link;
     link.receive_enabled = true;
     while (!answered_or_stopped(link)) {
         write_frame(frm, sync_pulse);
-        do wait_for_frame(frm, pulse_ms);
+        do wait_for_frame(frm, std::max(pulse_ms, until_one_pulse_is_left(frm.platform.port)));
         while (!answered_or_stopped(link) && frm.platform.port.output_count() > sync_pulse.size());
     }
 }
