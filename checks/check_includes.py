@@ -23,7 +23,7 @@ FLOORS = [
     ["text"],
     ["platform"],
     ["screen"],
-    ["hall"],  # src/frmMain.h
+    ["hall"],  # src/frmMain.h, src/plug.h
     ["waiting"],
     ["catalogue"],
     ["options"],
@@ -42,6 +42,7 @@ FLOORS = [
 FLOOR = {name: level for level, row in enumerate(FLOORS) for name in row}
 
 HALL = "src/frmMain.h"
+BESIDE_HALL = "src/plug.h"
 SELECTION = ("src/catalogue/model_selection.h", "src/catalogue/model_selection.cpp")
 QT = re.compile(r"^(Q[A-Z]\w*|Qt\w*/.*)$")
 SIMULATOR_MAY = ("tools/simulators/", "src/text/", "src/catalogue/")
@@ -51,7 +52,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 
 def floor_name(path):
     """The floor that a file of src stands on; None when there is none for it."""
-    if path == HALL:
+    if path in (HALL, BESIDE_HALL):
         return "hall"
     if path in SELECTION:
         return "selection"

@@ -3,6 +3,7 @@
 #include "catalogue/family_tree.h"
 #include "catalogue/mcu_catalogue.h"
 #include "image/image_files.h"
+#include "plug.h"
 #include "text/trimming.h"
 #include "waiting/waiting.h"
 
@@ -12,11 +13,6 @@ namespace {
 constexpr std::int32_t settle_ms = 500;  // Timer3 gathers changes that come close together
 constexpr std::int16_t block_size_before_look_up = 128;
 constexpr std::int16_t idle = 0;
-
-// Plugs of later steps; one that is null is passed over.
-void run(void (*plug)(frmMain&), frmMain& frm) {
-    if (plug) plug(frm);
-}
 
 }  // namespace
 
@@ -49,7 +45,7 @@ void Device_Node_Click(frmMain& frm) {
     Reset_Buffer(frm, 0, frm.images.Data_Buffer);
     if (screen.txtDevice.Text.empty()) return;
     Close_Device_Tree(frm);
-    if (!Apply_Model(frm).empty()) run(frm.catalogue.Arrange_Options, frm);
+    if (!Apply_Model(frm).empty()) run_plug(frm, frm.catalogue.Arrange_Options);
     screen.Focus_Request = screen.txtDevice.Name;
 }
 
@@ -70,12 +66,12 @@ std::string Apply_Model(frmMain& frm) {
         TabStrip1_Click(frm);
     } else {
         Restore_Tab_Captions(frm);
-        run(catalogue.Rebuild_Register_List, frm);
+        run_plug(frm, catalogue.Rebuild_Register_List);
         Data_Memory_Controls(frm, true);
     }
-    run(frm.session.Clear_Read_Lines, frm);
+    run_plug(frm, frm.session.Clear_Read_Lines);
     restart_timer(frm, frm.timers.Timer3, settle_ms);
-    run(catalogue.Arrange_Options, frm);
+    run_plug(frm, catalogue.Arrange_Options);
     return name;
 }
 

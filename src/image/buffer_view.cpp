@@ -5,6 +5,7 @@
 #include "image/hex_page.h"
 #include "image/image_files.h"
 #include "image/image_messages.h"
+#include "plug.h"
 #include "text/hexadecimal.h"
 
 namespace vkm {
@@ -77,7 +78,7 @@ void vscFile_Change(frmMain& frm, int element) {
 // No turn of the event loop in here: a page takes some microseconds, and text
 // and selection stay together.
 void Draw_Page(frmMain& frm, const BufferView& view, std::int64_t first, std::int64_t last) {
-    if (frm.increase.Read_Auto_Increase) frm.increase.Read_Auto_Increase(frm);
+    run_plug(frm, frm.increase.Read_Auto_Increase);
     view.page.Text = hex_page(view.buffer.Bytes, first, last);
     view.page.SelStart = 0;
     view.page.SelLength = 0;

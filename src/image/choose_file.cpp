@@ -4,6 +4,7 @@
 #include "image/image_files.h"
 #include "image/image_messages.h"
 #include "image/path_parts.h"
+#include "plug.h"
 #include "screen/control.h"
 #include "text/trimming.h"
 
@@ -59,8 +60,8 @@ void load_chosen(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
         return;
     }
     choose_key(frm.screen.TabStrip2, "Batch_quantity");
-    if (frm.images.Show_Chosen_Page) frm.images.Show_Chosen_Page(frm);
-    if (frm.images.Load_Project) frm.images.Load_Project(frm, path);
+    run_plug(frm, frm.images.Show_Chosen_Page);
+    run_plug(frm, frm.images.Load_Project, path);
 }
 
 }  // namespace

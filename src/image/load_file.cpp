@@ -7,6 +7,7 @@
 #include "image/image_messages.h"
 #include "image/readers.h"
 #include "image/start_address.h"
+#include "plug.h"
 
 namespace vkm {
 namespace {
@@ -42,10 +43,6 @@ void clear_highlights(IncreaseState& increase) {
     increase.Data_Auto_Increase.Sel_Length = 0;
 }
 
-void run(void (*plug)(frmMain&), frmMain& frm) {
-    if (plug) plug(frm);
-}
-
 // The numbering must be enabled anew for each file.
 void switch_numbering_off(frmMain& frm) {
     frm.screen.cheAuto_Increase.Value = 0;
@@ -77,9 +74,9 @@ void Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
     clear_highlights(frm.increase);
     if (!Load_Any_File(frm, path, buffer)) return;
     switch_numbering_off(frm);
-    run(frm.increase.Read_Auto_Increase, frm);
+    run_plug(frm, frm.increase.Read_Auto_Increase);
     Refresh_Buffer_View(frm, buffer, view_of_buffer(frm, buffer).set);
-    run(frm.increase.cheAuto_Increase_Click, frm);
+    run_plug(frm, frm.increase.cheAuto_Increase_Click);
     buffer.Has_File = true;
 }
 

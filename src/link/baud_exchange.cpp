@@ -36,10 +36,6 @@ bool WDT_chosen(const frmMain& frm) {
     return frm.screen.opt_ISP_DEMO_WDT[1].Value != 0;
 }
 
-bool over_trigger(const frmMain& frm) {
-    return frm.screen.cheTL.Value != 0;
-}
-
 Frame test_frame(const frmMain& frm, std::string_view new_baud, ReloadPair pair) {
     const LinkState& link = frm.link;
     const double frequency = double{link.crystal_frequency} / (link.Chip_Double_Speed ? 2.0 : 1.0);

@@ -15,6 +15,7 @@
 #include "link/link_texts.h"
 #include "link/status_frame.h"
 #include "platform/port_settings.h"
+#include "plug.h"
 #include "text/numbers.h"
 #include "text/trimming.h"
 #include "waiting/waiting.h"
@@ -74,14 +75,6 @@ int tell_failed(frmMain& frm) {
     append_to_last_line(frm.screen, frm.platform.wall_clock.time_of_day() + ")");
     scroll_log_to_end(frm.screen);
     return failed;
-}
-
-void call(void (*plug)(frmMain&), frmMain& frm) {
-    if (plug) plug(frm);
-}
-
-bool over_trigger(const frmMain& frm) {
-    return frm.screen.cheTL.Value != 0;
 }
 
 void clear_buffers(frmMain& frm) {
@@ -197,7 +190,7 @@ bool find_chip_model(frmMain& frm, const StatusFrame& status) {
 }
 
 void compose_options(frmMain& frm) {
-    call(frm.link.Compose_Options, frm);
+    run_plug(frm, frm.link.Compose_Options);
     frm.options.Chip_Bytes[word_16] = frm.options.Option_Bytes[0][word_16];
 }
 
@@ -210,8 +203,8 @@ void keep_chip_bytes(frmMain& frm, std::span<const int> words,
 void show_options(frmMain& frm, std::uint8_t version, std::uint8_t letter, std::uint8_t option,
                   std::int16_t flag) {
     const LinkState& link = frm.link;
-    if (link.Show_Chip_Info) link.Show_Chip_Info(frm, version, letter, option);
-    if (link.Show_Panel_Lines) link.Show_Panel_Lines(frm, version, letter, option, flag);
+    run_plug(frm, link.Show_Chip_Info, version, letter, option);
+    run_plug(frm, link.Show_Panel_Lines, version, letter, option, flag);
 }
 
 void take_firmware_and_options(frmMain& frm, const StatusFrame& status) {
@@ -219,7 +212,7 @@ void take_firmware_and_options(frmMain& frm, const StatusFrame& status) {
     Set_Chip_Version(frm, status.version);
     compose_options(frm);
     keep_chip_bytes(frm, option_words(status.letter), status.options);
-    call(frm.link.Read_All_Options, frm);
+    run_plug(frm, frm.link.Read_All_Options);
     show_options(frm, status.version, status.letter, status.option, 0);
 }
 
@@ -394,8 +387,8 @@ void Read_Chip_Status(frmMain& frm, std::int16_t flag) {
     const StatusReply reply = decode_status_reply(link.rx_frame);
     const std::span<const int> words = option_words_of_family(frm.catalogue.MCU_Info.MCU_Family);
     keep_chip_bytes(frm, words, reply.options);
-    if (!words.empty()) call(link.Read_All_Options, frm);
-    call(link.Compose_Options, frm);
+    if (!words.empty()) run_plug(frm, link.Read_All_Options);
+    run_plug(frm, link.Compose_Options);
     link.Chip_Letter = letter_text(reply.letter);
     Set_Chip_Version(frm, reply.version);
     show_options(frm, reply.version, reply.letter, reply.option, flag);

@@ -42,6 +42,9 @@ void show_port_picture(frmMain& frm, bool open);
 // settings before stay in force then.
 bool set_port_baud(frmMain& frm, std::string_view baud);
 
+// The connection is made by the trigger at 115200 baud (cheTL), without pulses.
+bool over_trigger(const frmMain& frm);
+
 // The list of cobBaudMax stands at the base baud, so that nothing may change
 // the rate: the first four characters of its text equal Base_Baud.
 bool held_at_base_baud(const frmMain& frm);

@@ -57,6 +57,10 @@ bool set_port_baud(frmMain& frm, std::string_view baud) {
     return frm.platform.port.set_settings(port_settings(baud));
 }
 
+bool over_trigger(const frmMain& frm) {
+    return frm.screen.cheTL.Value != 0;
+}
+
 bool held_at_base_baud(const frmMain& frm) {
     return text_of(frm.screen.cobBaudMax).substr(0, base_baud_digits) == frm.link.Base_Baud;
 }

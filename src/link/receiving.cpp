@@ -1,6 +1,7 @@
 // The receive handler.
 #include "link/isp_link.h"
 #include "link/reply_gathering.h"
+#include "plug.h"
 
 namespace vkm {
 
@@ -18,7 +19,7 @@ void on_port_event(frmMain& frm) {
     if (link.demo_mode) {
         if (gather_demo_reply(link, bytes) == Gathered::bad_mark) reset_receive(frm);
     } else if (link.debug_mode) {
-        if (link.Monitor_Bytes) link.Monitor_Bytes(frm, bytes);
+        run_plug(frm, link.Monitor_Bytes, bytes);
     } else {
         gather_reply(link, bytes);
     }

@@ -1,6 +1,7 @@
 // The connect step: from a click to a chip that fits the model and waits for work.
 #include "link/handshake.h"
 #include "link/isp_link.h"
+#include "plug.h"
 #include "session/chip_checks.h"
 #include "session/download_session.h"
 #include "session/session_report.h"
@@ -50,7 +51,7 @@ bool read_options(frmMain& frm) {
 
 // The second way of connecting names its rate whatever was reached.
 void show_baud(frmMain& frm, std::int32_t baud) {
-    const std::string rate = frm.screen.cheTL.Value == 1 ? "115200" : std::to_string(baud);
+    const std::string rate = over_trigger(frm) ? "115200" : std::to_string(baud);
     append_message(frm.screen,
                    std::string(chosen_text(frm.screen, session_text::baud_now)) + rate + " bps.");
     scroll_log_to_end(frm.screen);
@@ -58,7 +59,7 @@ void show_baud(frmMain& frm, std::int32_t baud) {
 
 // True when the chip is ready for work; otherwise the session has to end.
 bool connect(frmMain& frm, bool ReadChipLock_just) {
-    if (frm.session.Clear_Read_Lines) frm.session.Clear_Read_Lines(frm);
+    run_plug(frm, frm.session.Clear_Read_Lines);
     report(frm, session_text::connecting);
     std::int32_t baud = 0;
     if (handshake(frm, baud, ReadChipLock_just) != 0) {

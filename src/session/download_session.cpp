@@ -2,6 +2,7 @@
 
 #include "image/image_files.h"
 #include "link/isp_link.h"
+#include "plug.h"
 #include "session/counter.h"
 #include "session/download_plan.h"
 #include "session/end_session.h"
@@ -22,10 +23,6 @@ constexpr double last_version_without_erase = 0.2;  // that firmware knows no er
 constexpr std::int32_t settle_ms = 100;
 constexpr std::int32_t settle_at_base_baud_ms = 1000;  // the last block needs longer there
 constexpr std::int32_t countdown_tick_ms = 1000;
-
-void run_plug(frmMain& frm, void (*plug)(frmMain&)) {
-    if (plug) plug(frm);
-}
 
 // The terminal and the session never use the port together.
 void close_assistant_port(frmMain& frm) {

@@ -1,6 +1,7 @@
 #include <string_view>
 
 #include "image/image_files.h"
+#include "plug.h"
 #include "session/download_session.h"
 
 namespace vkm {
@@ -86,7 +87,7 @@ void Set_UI_State(frmMain& frm, std::int16_t state) {
     frm.session.UI_State = state;
     for (const Row& row : table) enable(frm.screen, row.control, enabled_in(row.enabled, state));
     keep_own_conditions(frm);
-    if (frm.session.Apply_Option_Enable) frm.session.Apply_Option_Enable(frm);
+    run_plug(frm, frm.session.Apply_Option_Enable);
 }
 
 }  // namespace vkm

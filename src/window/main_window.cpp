@@ -7,6 +7,7 @@
 #include "catalogue/tab_strips.h"
 #include "image/image_files.h"
 #include "link/isp_link.h"
+#include "plug.h"
 #include "session/download_session.h"
 #include "waiting/waiting.h"
 #include "window/hardware_help.h"
@@ -58,7 +59,7 @@ void Load(frmMain& frm) {
     Load_Settings(frm);
     Clear_Flags(frm);
     Start_Values(frm.screen);
-    if (frm.increase.Read_Auto_Increase) frm.increase.Read_Auto_Increase(frm);
+    run_plug(frm, frm.increase.Read_Auto_Increase);
     if (frm.increase.cheAuto_Increase_Click) frm.increase.cheAuto_Increase_Click(frm);
     Reset_Buffer(frm, 0, frm.images.AP_Buffer);
     Reset_Buffer(frm, 0, frm.images.Data_Buffer);
