@@ -1,0 +1,133 @@
+// The English half of what a session tells the operator.
+#include <gtest/gtest.h>
+
+#include "session_bench.h"
+
+namespace vkm::test {
+namespace {
+
+sim::Fault always_lost(sim::FrameKind frame) {
+    return {.kind = sim::FaultKind::lose_frame, .frame = frame, .times = 0};
+}
+
+struct EnglishBench : SessionBench {
+    explicit EnglishBench(const sim::ChipConfig& config = {}, const std::string& model = {})
+        : SessionBench(config, model) {
+        frm.screen.Show_English = true;
+    }
+    std::string log_without_times() const { return without_times(log()); }
+};
+
+TEST(English, ErasingThatFailsNamesTheTimeAndTheLowerBaud) {
+    EnglishBench bench({.faults = {always_lost(sim::FrameKind::erase)}});
+    bench.load(300);
+    comDownload(bench.frm, 0);
+    EXPECT_TRUE(ends_with(bench.log_without_times(),
+                          "\r\nWe are erasing application flash..."
+                          "\r\nErase application is failed. (End: hh:mm:ss)"
+                          "\r\nTry to use the lower baud."))
+        << bench.log();
+    EXPECT_EQ(bench.verdict(), "✘ Failed: Erase");
+}
+
+TEST(English, ProgrammingThatFailsNamesTheTimeAndTheLowerBaud) {
+    EnglishBench bench({.faults = {always_lost(sim::FrameKind::block)}});
+    bench.load(300);
+    comDownload(bench.frm, 0);
+    EXPECT_TRUE(ends_with(bench.log_without_times(),
+                          "\r\nProgramming... ( Begin: hh:mm:ss )"
+                          "\r\nProgram is failure. (End: hh:mm:ss)"
+                          "\r\nTry to use the lower baud. "))
+        << bench.log();
+    EXPECT_EQ(bench.verdict(), "✘ Failed: Program");
+}
+
+TEST(English, OptionsThatCantBeReadFailTheHandshake) {
+    EnglishBench bench({.model = "VKM47H58RK",
+                        .status_length = 24,
+                        .faults = {always_lost(sim::FrameKind::status_read)}});
+    bench.load(300);
+    comDownload(bench.frm, 0);
+    EXPECT_TRUE(ends_with(bench.log_without_times(),
+                          "\r\nWe are trying to program ..."
+                          "\r\nHandshake is failed. (End: hh:mm:ss)"))
+        << bench.log();
+    EXPECT_EQ(bench.verdict(), "✘ Failed: Read options");
+}
+
+TEST(English, AStopIsToldInEveryStep) {
+    struct Step {
+        sim::ChipConfig config;
+        std::string_view before;  // the log's end when Stop is pressed
+    };
+    const Step steps[] = {
+        {{.model = "VKM47H58RK",
+          .status_length = 24,
+          .faults = {always_lost(sim::FrameKind::status_read)}},
+         "We are trying to program ..."},
+        {{.faults = {always_lost(sim::FrameKind::erase)}}, "We are erasing application flash..."},
+        {{.block_time = std::chrono::milliseconds(50)}, " )"},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.before);
+        EnglishBench bench(step.config);
+        bench.load(3000);
+        std::string before;
+        std::function<void()> stop = [&] {
+            if (ends_with(bench.log(), step.before)) {
+                before = bench.log();
+                comStop_Download(bench.frm);
+            } else if (bench.frm.session.Running) {
+                bench.at(50, stop);
+            }
+        };
+        bench.at(50, stop);
+        comDownload(bench.frm, 0);
+        ASSERT_FALSE(before.empty());
+        EXPECT_EQ(bench.log(), before + "\r\nOperation is stop. ");
+        EXPECT_EQ(bench.verdict(), "■ Stopped");
+    }
+}
+
+TEST(English, AnImageBeyondTheFirmwaresReachHasOneWarningForBothLanguages) {
+    EnglishBench bench({.model = "VKM26H5052"});
+    bench.load(0x1500);
+    comDownload(bench.frm, 0);
+    EXPECT_TRUE(
+        bench.log_has(" bps."
+                      "\r\n\r\n程序文件超出此 MCU 固件下载范围, 超出部分不下载。 \r\n"
+                      "\r\nWe are erasing application flash..."))
+        << bench.log();
+}
+
+TEST(English, ABlock0ThatMayNotBeWrittenIsToldInOneLine) {
+    EnglishBench bench({.model = "VKM47H58RK"});
+    bench.load(300);
+    bench.frm.session.Block0_Rule = {"", "", "1"};
+    comDownload(bench.frm, 0);
+    EXPECT_TRUE(
+        bench.log_has("\r\nBecause Block1 to write Block0 is disable, so program can not continue."
+                      "\r\nWe are erasing application flash..."))
+        << bench.log();
+}
+
+TEST(English, AWrongModelIsToldInTheLogAndInABox) {
+    EnglishBench bench({.model = "VKM47H516RK"}, "VKM47H51RB");
+    bench.load(100);
+    comDownload(bench.frm, 0);
+    EXPECT_TRUE(ends_with(bench.log(), " bps.\r\nMCU Type is wrong. ")) << bench.log();
+    ASSERT_EQ(bench.boxes().size(), 1u);
+    EXPECT_EQ(bench.boxes()[0].text,
+              "MCU Type is wrong, please select another MCU and open the file again.");
+    EXPECT_EQ(bench.verdict(), "✘ Failed: Identify model");
+}
+
+TEST(English, OverTheTriggerTheBaudIs115200) {
+    EnglishBench bench({.model = "VKM47H58RK+"});
+    bench.load(100);
+    Command2(bench.frm);
+    EXPECT_TRUE(bench.log_has("\r\nNow baud is: 115200 bps.\r\n")) << bench.log();
+}
+
+}  // namespace
+}  // namespace vkm::test
