@@ -32,7 +32,7 @@ constexpr CutCase cases[] = {
     {"by its name", "VKM47H516RK+", "VKM47W516AD", true, 2048, "2.5", false, false, true},
     {"by its other name", "VKM47H516RK+", "VKM47W516X2", true, 2048, "2.5", false, false, true},
     {"another family", "VKM27J060", "VKM27J060", true, 2048, "2.5", true, false, false},
-    {"oldest family asks no version", "VKM47H516RK", "VKM47W516AD", false, 0, "2.5", true, false,
+    {"oldest family asks no version", "VKM47H58RK", "VKM47W516AD", false, 0, "2.5", true, false,
      false},
 };
 
