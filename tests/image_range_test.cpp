@@ -217,6 +217,39 @@ TEST(GapRules, TellAllThreeInOneBoxInThisOrder) {
            .cleared = {0x800}});
 }
 
+TEST(GapRules, TellAllThreeOfABinaryFileToo) {
+    check({.model = "VKM26W2052AD",
+           .kind = Kind::bin,
+           .high = 0x1400,
+           .marks = {0x800},
+           .file_high = 0x13FF,
+           .bilingual = "无效区间 800 -- FFF 中有数据, 这些数据已被清除。\r\n\r\n"
+                        "Data Memory 空间有数据。\r\n\r\n"
+                        "文件超出最大有效空间, 超出的部分已被清除。\r\n\r\n"
+                        "\r\n                按确定继续。",
+           .english = "    File over the valid scope(800 -- FFF).\r\n"
+                      "Data Memory contain datas.\r\n\r\n"
+                      "    File over the valid scope.\r\n\r\n"
+                      "\r\n                Continue",
+           .cleared = {0x800}});
+}
+
+TEST(GapRules, TellTheGapAndTheEndWithoutData) {
+    // A HEX file above the data memory that leaves the data memory itself empty.
+    check({.model = "VKM26W2052AD",
+           .kind = Kind::hex,
+           .high = 0x1400,
+           .marks = {0x800, 0x1400},
+           .file_high = 0x13FF,
+           .bilingual = "无效区间 800 -- FFF 中有数据, 这些数据已被清除。\r\n\r\n"
+                        "文件超出最大有效空间, 超出的部分已被清除。\r\n\r\n"
+                        "\r\n                按确定继续。",
+           .english = "    File over the valid scope(800 -- FFF).\r\n"
+                      "    File over the valid scope.\r\n\r\n"
+                      "\r\n                Continue",
+           .cleared = {0x800}});
+}
+
 TEST(GapRules, HoldForFamilies3And4And6) {
     // Family 6, by its record: it is never chosen in the tree.
     check({.model = "VKM27J008",
