@@ -216,7 +216,8 @@ TEST(Settings, TheWrittenSpeedNumberBringsTheSameSpeedBack) {
 }
 
 TEST(Settings, ATextThatNoModelHasFallsBackToTheDefaultModel) {
-    for (const char* text : {"", "VKM99X99", "26H2052 系列", "Family26H2052", "vkm47h51rb"}) {
+    for (const char* text : {"", "VKM99X99", "26H2052 系列", "Family26H2052", "vkm47h51rb",
+                             "VKM27J008", "Family27xxx"}) {
         ToolRun run(one("DeviceProducts", text));
         EXPECT_EQ(run.frm.screen.txtDevice.Text, "VKM47H51RB") << text;
         EXPECT_TRUE(run.boxes().empty()) << text;
