@@ -64,7 +64,7 @@ void tell(frmMain& frm, const MessageText& text) {
 }
 
 int tell_stopped(frmMain& frm) {
-    beep_times(frm, 1);
+    frm.platform.sounder.beep();
     tell(frm, link_text::stopped);
     return failed;
 }

@@ -40,7 +40,7 @@ bool read_options(frmMain& frm) {
     }
     job_failed(frm, session_text::step_read_options);
     if (frm.link.stop_requested) {
-        report_stop(frm, 1);
+        report_stop(frm);
         return false;
     }
     beep_times(frm, 3);

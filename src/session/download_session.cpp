@@ -106,7 +106,7 @@ bool erase(frmMain& frm) {
     if (!frm.link.stop_requested && frm.link.frame_ok) return true;
     job_failed(frm, session_text::step_erase);
     if (frm.link.stop_requested) {
-        report_stop(frm, 1);
+        report_stop(frm);
         comStop_Download(frm);
     } else {
         report_erase_failure(frm);
@@ -158,7 +158,7 @@ void finish_chip(frmMain& frm) {
     report_success(frm);
     count_good_chip(frm);
     job_done(frm);
-    if (frm.screen.optBeepYes.Value != 0) beep_times(frm, 1);
+    if (frm.screen.optBeepYes.Value != 0) frm.platform.sounder.beep();
     scroll_log_to_end(frm.screen);
     run_plug(frm, frm.increase.Advance_Numbers);
 }

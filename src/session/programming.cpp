@@ -58,12 +58,11 @@ int program_by_family(frmMain& frm) {
 
 void report_failure(frmMain& frm) {
     job_failed(frm, session_text::step_program);
-    constexpr int beeps = 3;
+    beep_times(frm, 3);
     if (frm.link.stop_requested) {
-        report_stop(frm, beeps);
+        report(frm, session_text::stopped);
         return;
     }
-    beep_times(frm, beeps);
     append_message(frm.screen, with_time_of_day(frm, session_text::program_failed));
     report(frm, session_text::program_advice);
 }

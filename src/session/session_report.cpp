@@ -3,7 +3,6 @@
 #include "session/download_session.h"
 #include "session/session_texts.h"
 #include "text/numbers.h"
-#include "waiting/waiting.h"
 
 namespace vkm {
 
@@ -16,8 +15,8 @@ std::string with_time_of_day(const frmMain& frm, const MessageText& text) {
     return std::string(chosen_text(frm.screen, text)) + frm.platform.wall_clock.time_of_day() + ")";
 }
 
-void report_stop(frmMain& frm, int beeps) {
-    beep_times(frm, beeps);
+void report_stop(frmMain& frm) {
+    frm.platform.sounder.beep();
     report(frm, session_text::stopped);
 }
 

@@ -12,7 +12,7 @@ void report(frmMain& frm, const MessageText& message);
 // A failure text that ends in "(End: ", completed by the time of day and ")".
 std::string with_time_of_day(const frmMain& frm, const MessageText& text);
 
-// That the operator's stop took effect, after this many beeps.
-void report_stop(frmMain& frm, int beeps);
+// One beep, and that the operator's stop took effect.
+void report_stop(frmMain& frm);
 
 }  // namespace vkm
