@@ -1,6 +1,7 @@
 // Record and widget are alike in both directions.
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QDropEvent>
 #include <QFile>
@@ -11,12 +12,14 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QTabBar>
 #include <QTemporaryDir>
 #include <QTreeWidget>
 #include <QUrl>
 #include <algorithm>
+#include <map>
 
 #include "platform/qt/as_drawn.h"
 #include "platform/qt/control_hints.h"
@@ -87,7 +90,7 @@ TEST_F(QtScreenTest, EveryHintBelongsToAControl) {
         const ControlHint* hint = hint_of(control);
         if (!hint) return;
         ++with_hint;
-        const bool marked = button_text(control).contains(u'&');
+        const bool marked = marked_caption(control).contains(u'&');
         EXPECT_EQ(marked, hint->mnemonic != 0) << control.Name << " lacks the letter";
     });
     EXPECT_GT(with_hint, 40);
@@ -115,6 +118,41 @@ TEST_F(QtScreenTest, ACaptionIsDrawnWithoutItsMnemonic) {
               QStringLiteral("&Download"));
     screen.comDownload[0].Caption = "A & B";
     EXPECT_EQ(drawn(screen.comDownload[0]).Caption, "A & B");
+}
+
+TEST_F(QtScreenTest, TheLetterOfALabelGoesToTheControlBesideIt) {
+    auto* label = static_cast<QLabel*>(widget(screen.LabMaxBaud));
+    EXPECT_EQ(label->buddy(), widget(screen.cobBaudMax));
+    EXPECT_EQ(label->text(), QStringLiteral("Ma&x Baud / 最高波特率:"));
+    EXPECT_EQ(drawn(screen.LabMaxBaud).Caption, screen.LabMaxBaud.Caption);
+    screen.labKbyte.Caption = "A & B";
+    EXPECT_EQ(drawn(screen.labKbyte).Caption, "A & B");
+    EXPECT_EQ(static_cast<QLabel*>(widget(screen.labKbyte))->text(), QStringLiteral("A & B"));
+}
+
+TEST_F(QtScreenTest, NoLetterStandsForTwoControlsThatAreSeenTogether) {
+    const auto letter = [](const QString& text) {
+        const auto at = text.indexOf(u'&');
+        const bool marked = at >= 0 && at + 1 < text.size() && text[at + 1] != u'&';
+        return marked ? text[at + 1].toUpper() : QChar();
+    };
+    auto* tabs = static_cast<QTabBar*>(widget(screen.TabStrip1));
+    for (int tab = 0; tab < tabs->count(); ++tab) {
+        tabs->setCurrentIndex(tab);
+        settle();
+        std::map<QChar, QString> taken;
+        const auto take = [&](const QWidget& one, const QString& text) {
+            const QChar own = letter(text);
+            if (own.isNull() || !one.isVisible()) return;
+            EXPECT_TRUE(taken.emplace(own, text).second)
+                << text.toStdString() << " and " << taken[own].toStdString();
+        };
+        for (const auto* button : tool.window.findChildren<QAbstractButton*>())
+            take(*button, button->text());
+        for (const auto* label : tool.window.findChildren<QLabel*>())
+            if (label->buddy()) take(*label, label->text());
+        EXPECT_GT(taken.size(), 10u);
+    }
 }
 
 TEST_F(QtScreenTest, ALongTitleIsKeptWholeAndDoesNotWidenTheWindow) {
@@ -424,6 +462,19 @@ TEST_F(QtScreenTest, ShrinkingLeavesTheStepsAndRestoringTheWholeWindow) {
     EXPECT_TRUE(widget(screen.TabStrip1)->isVisible());
 }
 
+TEST_F(QtScreenTest, AWindowThatFillsTheScreenDoesSoAgainAfterShrinking) {
+    tool.window.showMaximized();
+    settle();
+    auto* button = static_cast<QPushButton*>(widget(screen.comMastWindow));
+    button->click();
+    settle();
+    EXPECT_FALSE(tool.window.isMaximized());
+    EXPECT_LT(tool.window.width(), 600);
+    button->click();
+    settle();
+    EXPECT_TRUE(tool.window.isMaximized());
+}
+
 TEST_F(QtScreenTest, NoPageNeedsMoreRoomThanASmallScreenHas) {
     for (Control* strip : {&screen.TabStrip1, &screen.TabStrip2}) {
         auto* tabs = static_cast<QTabBar*>(widget(*strip));
@@ -443,6 +494,108 @@ TEST_F(QtScreenTest, TheLogHasSixLinesOnASmallScreen) {
     const QWidget* log = widget(screen.textMsg);
     EXPECT_GE(log->height(), 6 * log->fontMetrics().lineSpacing());
     EXPECT_LE(log->mapTo(&tool.window, QPoint(0, log->height())).y(), 600);
+}
+
+// A port that will not open adds a line below; the steps must not begin to scroll.
+TEST_F(QtScreenTest, TheStepsStayWholeWithAReasonBelowThem) {
+    tool.window.resize(800, 600);
+    screen.combCommPort.ListIndex = 2;
+    settle();
+    const auto* area =
+        qobject_cast<QScrollArea*>(widget(screen.Frame1)->parentWidget()->parentWidget());
+    ASSERT_NE(area, nullptr);
+    const int width_without_reason = area->width() + area->mapTo(&tool.window, QPoint()).x() * 2;
+    for (const char* device : {"/dev/a-device-that-is-not-there", ""}) {
+        tool.ports.use(3, device);
+        tool.port.set_port_number(3);
+        tool.port.open();
+        ASSERT_FALSE(tool.port.reason().text.empty());
+        for (int shrunk = 0; shrunk < 2; ++shrunk) {
+            settle();
+            EXPECT_FALSE(area->verticalScrollBar()->isVisible()) << device << " " << shrunk;
+            EXPECT_LE(tool.window.height(), 600);
+            if (shrunk == 1) {
+                EXPECT_EQ(tool.window.width(), width_without_reason);
+            }
+            static_cast<QPushButton*>(widget(screen.comMastWindow))->click();
+        }
+    }
+}
+
+TEST_F(QtScreenTest, ALongDeviceNameLeavesTheStatusOnOneLine) {
+    const auto height = [&](const std::string& device) {
+        tool.ports.use(1, device);
+        screen.combCommPort.ListIndex = 0;
+        settle();
+        return widget(screen.comMastWindow)->parentWidget()->height();
+    };
+    tool.window.resize(800, 600);
+    EXPECT_EQ(height("/dev/" + std::string(300, 'x')), height("/dev/x"));
+}
+
+TEST_F(QtScreenTest, APageOfWrappedLinesIsRightTheFirstTime) {
+    tool.window.resize(800, 600);
+    settle();
+    auto* tabs = static_cast<QTabBar*>(widget(screen.TabStrip1));
+    tabs->setCurrentIndex(5);
+    const QWidget* last = widget(screen.cob_DEMO_DownLoad_StopBits);
+    for (int turn = 0; turn < 4 && !last->isVisible(); ++turn) process_events(tool.frm);
+    ASSERT_TRUE(last->isVisible());
+    tool.window.grab();  // whatever is drawn next
+    EXPECT_GT(last->y(), widget(screen.cob_DEMO_DownLoad_Baud)->y()) << "all on one line";
+    EXPECT_TRUE(last->parentWidget()->rect().contains(last->geometry())) << "cut off";
+}
+
+TEST_F(QtScreenTest, AListOfPortsThatStandsOpenTellsOfAPlug) {
+    class PaintCount final : public QObject {
+      public:
+        int count = 0;
+
+      protected:
+        bool eventFilter(QObject*, QEvent* event) override {
+            if (event->type() == QEvent::Paint) ++count;
+            return false;
+        }
+    };
+    auto* list = static_cast<QComboBox*>(widget(screen.combCommPort));
+    PaintCount paints;
+    list->view()->viewport()->installEventFilter(&paints);
+    list->showPopup();
+    for (int before = -1; before != paints.count; settle()) before = paints.count;
+    const int at_rest = paints.count;
+    tool.ports.use(3, "/dev/new");
+    settle();
+    EXPECT_GT(paints.count, at_rest);
+    list->hidePopup();
+}
+
+TEST_F(QtScreenTest, TheSplitterShowsItsBarWhileItIsHeldAndKeepsItsPlace) {
+    tool.window.resize(1400, 800);
+    auto* tabs = static_cast<QTabBar*>(widget(screen.TabStrip2));
+    tabs->setCurrentIndex(4);
+    settle();
+    QWidget* handle = widget(screen.ImgSplitter);
+    QWidget* bar = widget(screen.picSplitter);
+    EXPECT_FALSE(bar->isVisible());
+    const auto mouse = [&](QEvent::Type type, QPoint at) {
+        const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, at, handle->mapToGlobal(at), button, held, Qt::NoModifier);
+        QCoreApplication::sendEvent(handle, &event);
+        settle();
+    };
+    const QPoint hold = handle->rect().center();
+    const int before = widget(screen.fraDebug)->width();
+    mouse(QEvent::MouseButtonPress, hold);
+    EXPECT_TRUE(bar->isVisible());
+    EXPECT_EQ(bar->size(), handle->size());
+    mouse(QEvent::MouseMove, hold + QPoint(30, 0));
+    mouse(QEvent::MouseButtonRelease, hold);
+    EXPECT_FALSE(bar->isVisible());
+    const int width = widget(screen.fraDebug)->width();
+    EXPECT_EQ(width, before + 30);
+    EXPECT_EQ(screen.window.Frame24_Width, width * 15);
+    EXPECT_EQ(tool.settings.get("Settings", "Frame24_Width", ""), std::to_string(width * 15));
 }
 
 TEST_F(QtScreenTest, TheTabulatorGoesThroughTheStepsInTheirOrder) {

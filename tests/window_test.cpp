@@ -257,6 +257,16 @@ TEST(WindowSplitter, ReleasingStoresAWidthThatFitsAtOnce) {
     }
 }
 
+TEST(WindowSplitter, ABarShowsThatItIsBeingMoved) {
+    Window window;
+    const Control& bar = window.frm.screen.picSplitter;
+    EXPECT_FALSE(bar.Visible);
+    ImgSplitter_Pressed(window.frm);
+    EXPECT_TRUE(bar.Visible);
+    ImgSplitter_Released(window.frm, 3000);
+    EXPECT_FALSE(bar.Visible);
+}
+
 // ---- wiring ---------------------------------------------------------------------------
 
 TEST(Wiring, EveryNameOfTheTableIsAControl) {

@@ -111,7 +111,12 @@ void comMastWindow(frmMain& frm) {
         window.Width = frm.window.Full_Width;
 }
 
+void ImgSplitter_Pressed(frmMain& frm) {
+    frm.screen.picSplitter.Visible = true;
+}
+
 void ImgSplitter_Released(frmMain& frm, std::int32_t width) {
+    frm.screen.picSplitter.Visible = false;
     WindowRecord& window = frm.screen.window;
     window.Frame24_Width = fitting_panel_width(window, width);
     Save_Panel_Width(frm);

@@ -33,7 +33,9 @@ void TimerUnload_Tick(frmMain& frm);
 // Toggles between the whole window and the step column alone.
 void comMastWindow(frmMain& frm);
 
-// The splitter was released with fraDebug this wide (twips).
+// The splitter was taken hold of: a bar shows that it is being moved.
+void ImgSplitter_Pressed(frmMain& frm);
+// It was released with fraDebug this wide (twips).
 void ImgSplitter_Released(frmMain& frm, std::int32_t width);
 
 }  // namespace vkm

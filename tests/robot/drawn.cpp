@@ -16,6 +16,7 @@
 #include <QStyleOptionButton>
 #include <QTabBar>
 #include <QTest>
+#include <QTextBlock>
 #include <QTreeView>
 #include <set>
 
@@ -43,6 +44,14 @@ QJsonValue texts_of(const Control& control) {
     return texts;
 }
 
+bool is_flag(ControlKind kind) {
+    return kind == ControlKind::CheckBox || kind == ControlKind::OptionButton;
+}
+
+QJsonValue value_of(const Control& control) {
+    return is_flag(control.Kind) ? QJsonValue(control.Value != 0) : QJsonValue(control.Value);
+}
+
 struct Property {
     const char* name;
     std::set<ControlKind> kinds;  // that have it; none named: all
@@ -60,7 +69,7 @@ const std::vector<Property>& properties() {
     static const std::vector<Property> table = {
         {"Text", texts, [](const Control& c) { return json(text_of(c)); }},
         {"Caption", captions, [](const Control& c) { return json(c.Caption); }},
-        {"Value", values, [](const Control& c) { return QJsonValue(c.Value); }},
+        {"Value", values, value_of},
         {"Enabled", {}, [](const Control& c) { return QJsonValue(c.Enabled); }},
         {"Visible", {}, [](const Control& c) { return QJsonValue(c.Visible); }},
         {"List", lists, texts_of},
@@ -173,6 +182,32 @@ Qt::Key key_named(const QString& name) {
         {"Tab", Qt::Key_Tab}};
     if (!named.contains(name)) throw Refusal{"unknown key " + name};
     return named.value(name);
+}
+
+// ---- a place in a text ---------------------------------------------------------------
+
+// Clicks between two characters of a line; one that is longer than its box shows
+// the piece around the caret.
+void click_in_line(QLineEdit* line, int units) {
+    const int y = line->height() / 2;
+    for (const bool in_sight : {false, true}) {
+        if (in_sight) line->setCursorPosition(units);
+        for (int x = 0; x < line->width(); ++x)
+            if (line->cursorPositionAt({x, y}) == units) return click_at(line, {x, y});
+    }
+}
+
+// Clicks between two characters of a text, which is first scrolled to them.
+void click_in_box(QPlainTextEdit* box, int units) {
+    QTextCursor cursor(box->document());
+    cursor.setPosition(units);
+    const QRect sight = box->viewport()->rect();
+    if (!sight.contains(box->cursorRect(cursor)))
+        box->verticalScrollBar()->setValue(cursor.block().firstLineNumber());
+    QScrollBar* sideways = box->horizontalScrollBar();
+    const int beyond = box->cursorRect(cursor).center().x() - sight.center().x();
+    if (!sight.contains(box->cursorRect(cursor))) sideways->setValue(sideways->value() + beyond);
+    QTest::mouseClick(box->viewport(), Qt::LeftButton, {}, box->cursorRect(cursor).center());
 }
 
 // ---- choosing ------------------------------------------------------------------------
@@ -305,28 +340,15 @@ Act key(const Drawn& control, const QString& name) {
 
 Act caret(const Drawn& control, int at) {
     must_be_operable(control.widget);
-    if (auto* line = qobject_cast<QLineEdit*>(control.widget)) {
-        const int y = line->height() / 2;
-        for (int x = 0; x < line->width(); ++x)
-            if (line->cursorPositionAt({x, y}) == at)
-                return [line, x, y] { click_at(line, {x, y}); };
+    auto* line = qobject_cast<QLineEdit*>(control.widget);
+    auto* box = qobject_cast<QPlainTextEdit*>(control.widget);
+    if (!line && !box) throw Refusal{control.widget->objectName() + " is no text box"};
+    const std::string text = as_drawn(*control.widget, *control.record).Text;
+    if (at < 0 || static_cast<std::size_t>(at) > character_count(text))
         throw Refusal{"no position " + QString::number(at)};
-    }
-    if (auto* box = qobject_cast<QPlainTextEdit*>(control.widget)) {
-        const std::string text = as_drawn(*box, *control.record).Text;
-        if (at < 0 || static_cast<std::size_t>(at) > character_count(text))
-            throw Refusal{"no position " + QString::number(at)};
-        return [box, units = widget_position(text, at)] {
-            QTextCursor cursor(box->document());
-            cursor.setPosition(units);
-            QScrollBar* bar = box->verticalScrollBar();
-            if (!box->viewport()->rect().contains(box->cursorRect(cursor)))
-                bar->setValue(cursor.blockNumber());
-            QTest::mouseClick(box->viewport(), Qt::LeftButton, {},
-                              box->cursorRect(cursor).center());
-        };
-    }
-    throw Refusal{control.widget->objectName() + " is no text box"};
+    const int units = widget_position(text, at);
+    if (line) return [line, units] { click_in_line(line, units); };
+    return [box, units] { click_in_box(box, units); };
 }
 
 Act check(const Drawn& control, bool on) {

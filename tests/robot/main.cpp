@@ -17,10 +17,17 @@ void write_line(const QByteArray& line) {
     std::fflush(stdout);
 }
 
+// As if the window had been left with this size.
+void start_with(QSize size, Tool& tool) {
+    tool.frm.screen.window.Width = size.width() * twips_per_pixel;
+    tool.frm.screen.window.Height = size.height() * twips_per_pixel;
+    tool.window.draw();
+}
+
 void run(const Arguments& arguments) {
     Tool tool(arguments.choices);
     tool.dialogs.system_dialogs = false;  // those of the system can't be reached from here
-    if (!arguments.size.isEmpty()) tool.window.resize(arguments.size);
+    if (!arguments.size.isEmpty()) start_with(arguments.size, tool);
 
     Robot robot(tool, write_line);
     tool.loop.draw = [&] {

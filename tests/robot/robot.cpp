@@ -1,6 +1,8 @@
 #include "robot/robot.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QEvent>
 #include <QFileInfo>
 #include <QHash>
 #include <QJsonArray>
@@ -51,6 +53,12 @@ bool flag(const QJsonObject& fields, const QString& name) {
     return value.toBool();
 }
 
+// A check mark may be asked for as a flag or as 1 and 0.
+bool alike(const QJsonValue& value, const QJsonValue& wanted) {
+    if (value.isBool() && wanted.isDouble()) return wanted.toDouble() == (value.toBool() ? 1 : 0);
+    return value == wanted;
+}
+
 // What a `wait` wants of the value.
 std::function<bool(const QJsonValue&)> condition(const QJsonObject& fields) {
     if (fields.contains("contains")) {
@@ -61,11 +69,12 @@ std::function<bool(const QJsonValue&)> condition(const QJsonObject& fields) {
         };
     }
     if (fields.contains("equals"))
-        return
-            [wanted = fields.value("equals")](const QJsonValue& value) { return value == wanted; };
+        return [wanted = fields.value("equals")](const QJsonValue& value) {
+            return alike(value, wanted);
+        };
     if (fields.contains("not_equals"))
         return [unwanted = fields.value("not_equals")](const QJsonValue& value) {
-            return value != unwanted;
+            return !alike(value, unwanted);
         };
     throw Refusal{"contains, equals or not_equals is missing"};
 }
@@ -329,6 +338,8 @@ void Robot::size(const QJsonObject& fields) {
 
 void Robot::shot(const QJsonObject& fields) {
     const QString path = text(fields, "path");
+    // Pages that were just shown have asked to be laid out: a person sees them so.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     QDir().mkpath(QFileInfo(path).absolutePath());
     if (!tool_.window.grab().save(path, "PNG")) throw Refusal{"can't write " + path};
     answer();

@@ -11,6 +11,7 @@ robot-shots in the build folder.
 import os
 import pathlib
 import re
+import struct
 import subprocess
 import sys
 import time
@@ -729,6 +730,18 @@ def _(bench):
         robot.do("key", on="TreeViewDevice", key="Escape")
 
 
+@scenario("shrinking keeps the height that the window was started with")
+def _(bench):
+    robot = bench.robot(size="1300x900")
+    robot.click("comMastWindow")
+    robot.wait("comMastWindow", "Caption", equals="恢复主窗体")
+    picture = bench.folder / "narrow.png"
+    robot.do("shot", path=str(picture))
+    width, height = struct.unpack(">II", picture.read_bytes()[16:24])
+    expect(width < 600, f"{width} wide")
+    expect_equal(height, 900, "height")
+
+
 @scenario("what is off during a job")
 def _(bench):
     chip = bench.chip("VKM47H58RK+", off=True)
@@ -881,11 +894,26 @@ def _(bench):
     expect_equal(robot.get("txtAP_FileStart"), "", "emptied")
     robot.check("cheClearAP_Buffer", True)
     robot.check("cheClearAP_Buffer", True)
-    expect_equal(robot.get("cheClearAP_Buffer", "Value"), 1, "checked")
+    expect(robot.get("cheClearAP_Buffer", "Value") is True, "checked")
+    for wanted in (True, 1):
+        robot.wait("cheClearAP_Buffer", "Value", equals=wanted)
+    robot.error("wait", on="cheClearAP_Buffer", property="Value", ms=20, not_equals=1)
     robot.check("cheClearAP_Buffer", False)
-    expect_equal(robot.get("cheClearAP_Buffer", "Value"), 0, "unchecked")
+    expect(robot.get("cheClearAP_Buffer", "Value") is False, "unchecked")
     robot.do("caret", on="txtBuffer", at=100)
     expect_equal(robot.get("txtBuffer", "SelStart"), 100, "caret of the page")
+    expect_equal(robot.error("caret", on="txtAP_FileStart", at=9), "no position 9", "beyond")
+    # What lies out of sight is scrolled to.
+    robot.do("size", width=800, height=600)
+    robot.load_bytes(bench.folder, program(5000))
+    for at in (60, 60 * 50, 60 * 50 + 57, 2):
+        robot.do("caret", on="txtBuffer", at=at)
+        expect_equal(robot.get("txtBuffer", "SelStart"), at, "caret of the page")
+    robot.choose("TabStrip1", key="user_code")
+    robot.enter("txtUserCode", "0123456789ABCDEF" * 20)
+    for at in (0, 300, 10, 160, 320):
+        robot.do("caret", on="txtUserCode", at=at)
+        expect_equal(robot.get("txtUserCode", "SelStart"), at, "caret of a long line")
 
 
 add_models()

@@ -33,7 +33,7 @@ std::string record_lines(const QString& text) {
 }
 
 void read_label(const QLabel& label, Control& drawn) {
-    drawn.Caption = from_qt(label.text());
+    drawn.Caption = label.buddy() ? plain(label.text()) : from_qt(label.text());
     if (const auto* verdict = dynamic_cast<const VerdictMark*>(&label))
         drawn.Value = verdict->result();
 }

@@ -38,6 +38,7 @@ class PanelSplitter final : public QSplitter {
     }
 
     bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::MouseButtonPress) queue_.push(ImgSplitter_Pressed);
         if (event->type() == QEvent::MouseButtonRelease)
             queue_.push([width = sizes().value(0) * twips_per_pixel](frmMain& frm) {
                 ImgSplitter_Released(frm, width);
@@ -75,6 +76,16 @@ class Follower final : public QObject {
   private:
     QWidget* follower_;
 };
+
+// The bar that lies on the splitter while it is being moved.
+void fill(QWidget* handle, QWidget* bar) {
+    bar->setBackgroundRole(QPalette::Highlight);
+    bar->setAutoFillBackground(true);
+    bar->setAttribute(Qt::WA_TransparentForMouseEvents);
+    auto* layout = new QVBoxLayout(handle);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(bar);
+}
 
 constexpr int receive_rows = 3;
 constexpr int receive_columns = 12;
@@ -151,6 +162,7 @@ QWidget* make_assistant_page(ScreenView& view, Screen& s, OperatorQueue& queue) 
     panels->addWidget(make_receive_panel(view, s));
     panels->addWidget(sending);
     view.use(s.ImgSplitter, panels->handle(1));
+    fill(panels->handle(1), view.use(s.picSplitter, new QWidget));
 
     auto* page = new QWidget;
     auto* column_of_page = column(page);

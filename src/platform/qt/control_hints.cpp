@@ -24,8 +24,11 @@ constexpr ControlHint hints[] = {
     {"txtDataFileCheckSum", -1, 0, "数据文件各字节之和 / Sum of the bytes of the data file"},
     {"cheClearAP_Buffer", -1, 0, "程序缓冲区: 打开文件前全部写 00 / Program buffer: 00 everywhere before a file is opened"},
     {"cheClearDataBuffer", -1, 0, "数据缓冲区: 打开文件前全部写 00 / Data buffer: 00 everywhere before a file is opened"},
+    {"optFillbyte", 0, 'P', "掉电 / Power down"},
+    {"optFillbyte", 1, 'e', "软件复位 / Soft reset"},
     // Step 3
     {"combCommPort", -1, 0, "下载用串行口 / The port of the download"},
+    {"LabMaxBaud", -1, 'x', "最高波特率 / The fastest rate that may be used"},
     {"imgOpen_sys", -1, 0, "下载串口已打开 / The port of the download is open"},
     {"imgNotOpen_sys", -1, 0, "下载串口已关闭 / The port of the download is closed"},
     // Step 5
@@ -40,6 +43,7 @@ constexpr ControlHint hints[] = {
     {"comMastWindow", -1, 0, "只留左边的步骤栏 / Leaves the column of steps alone"},
     // Monitor
     {"comDebugContinue", -1, 0, "让停在断点的程序继续 / Lets a stopped program go on"},
+    {"che_disable_Debug_SFR_232", -1, 'b', "停止回发 / The target sends no more registers"},
     // Assistant
     {"optReceiveHex", -1, 0, "接收区的显示方式 / How received bytes are shown"},
     {"optHexSend", -1, 0, "发送区的内容 / What the text to send is"},
@@ -54,14 +58,17 @@ constexpr ControlHint hints[] = {
     {"imgNotOpen", -1, 0, "串口已关闭, 点击打开 / The port is closed; click to open it"},
     {"ImgSplitter", -1, 0, "拖动以改变宽度 / Drag to change the widths"},
     // Tools
-    {"comReadChipLock", -1, 'p', "连接单片机并显示其选项, 不编程 / Connects and shows the options, programs nothing"},
+    {"comReadChipLock", -1, 'i', "连接单片机并显示其选项, 不编程 / Connects and shows the options, programs nothing"},
     {"txtUserCode", -1, 0, "十六进制字节 / Hexadecimal bytes"},
     {"txt_DEMO_UserCode", -1, 0, "十六进制字节 / Hexadecimal bytes"},
-    {"Read24C512", -1, 0, "读回脱机下载板的存储器 / Reads the memory of the offline board back"},
-    {"com_Demo_DownLoad", -1, 'l', "用户 ISP 程序下载一片 / One chip over the user's own ISP program"},
+    {"Read24C512", -1, '2', "读回脱机下载板的存储器 / Reads the memory of the offline board back"},
+    {"com_Demo_DownLoad", -1, 'a', "用户 ISP 程序下载一片 / One chip over the user's own ISP program"},
     {"com_Demo_Re_DownLoad", -1, 'w', "用户 ISP 程序连续下载 / Chip after chip over the user's own ISP program"},
     {"com_Demo_Stop", -1, 't', "停止下载 / Stop"},
     {"comb_WDT", -1, 0, "下载时用来喂外部看门狗的 I/O 口 / The pin that feeds an external watchdog during a download"},
+    {"optAuto_Increase", 2, 'A', "每字节一个 ASCII 数字 / One ASCII digit in each byte"},
+    {"optData_Auto_Increase", 2, 'I', "每字节一个 ASCII 数字 / One ASCII digit in each byte"},
+    {"comDownSoft_ICE", -1, 'I', "以仿真监控程序取代下载引导码 / Puts the monitor in the place of the boot firmware"},
     {"comStoreFile", -1, 'v', "将缓冲区的一段存为 .bin 文件 / Saves a piece of the buffer as a .bin file"},
 };
 // clang-format on
@@ -75,7 +82,7 @@ const ControlHint* hint_of(const Control& control) {
     return found == std::end(hints) ? nullptr : &*found;
 }
 
-QString button_text(const Control& control) {
+QString marked_caption(const Control& control) {
     QString text = to_qt(control.Caption).replace(u'&', QLatin1String("&&"));
     const ControlHint* hint = hint_of(control);
     if (!hint || hint->mnemonic == 0) return text;

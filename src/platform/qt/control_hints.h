@@ -19,6 +19,6 @@ struct ControlHint {
 const ControlHint* hint_of(const Control& control);
 
 // The caption as a button takes it, its letter marked.
-QString button_text(const Control& control);
+QString marked_caption(const Control& control);
 
 }  // namespace vkm

@@ -25,7 +25,8 @@ namespace {
 // ---- labels, buttons, frames ----------------------------------------------
 
 void draw_label(const Control& now, QLabel& label) {
-    label.setText(to_qt(now.Caption));
+    // The letter of a caption goes to the control beside it.
+    label.setText(label.buddy() ? marked_caption(now) : to_qt(now.Caption));
     if (auto* verdict = dynamic_cast<VerdictMark*>(&label)) {
         verdict->set_result(now.Value);
         verdict->setToolTip(verdict->text());
@@ -42,7 +43,7 @@ void set_checked(QAbstractButton& button, bool on) {
 }
 
 void draw_button(const Control& now, QAbstractButton& button) {
-    button.setText(button_text(now));
+    button.setText(marked_caption(now));
     if (button.isCheckable()) set_checked(button, now.Value != 0);
 }
 

@@ -12,6 +12,13 @@ bool is_button(QLayoutItem& item) {
     return qobject_cast<QPushButton*>(item.widget()) != nullptr;
 }
 
+// What the item takes of a line that is this wide.
+QSize size_of(const QLayoutItem& item, int line_width) {
+    const QSize hint = item.sizeHint();
+    const int width = std::min(hint.width(), line_width);
+    return {width, item.hasHeightForWidth() ? item.heightForWidth(width) : hint.height()};
+}
+
 }  // namespace
 
 FlowLayout::FlowLayout() {
@@ -62,11 +69,11 @@ FlowLayout::Line FlowLayout::line_from(qsizetype first, int width) const {
     for (; line.end < items_.size(); ++line.end) {
         const QLayoutItem* item = items_[line.end];
         if (item->isEmpty()) continue;
-        const QSize hint = item->sizeHint();
-        const int more = (taken > 0 ? gap(Qt::Horizontal) : 0) + hint.width();
+        const QSize size = size_of(*item, width);
+        const int more = (taken > 0 ? gap(Qt::Horizontal) : 0) + size.width();
         if (taken > 0 && taken + more > width) break;
         taken += more;
-        line.height = std::max(line.height, hint.height());
+        line.height = std::max(line.height, size.height());
     }
     return line;
 }
@@ -94,7 +101,7 @@ void FlowLayout::place(const Line& line, QPoint corner, int width) {
     const int buttons = button_height(line);
     for (qsizetype i = line.first; i < line.end; ++i) {
         if (items_[i]->isEmpty()) continue;
-        QSize size = items_[i]->sizeHint().boundedTo({width, line.height});
+        QSize size = size_of(*items_[i], width);
         if (is_button(*items_[i])) size.setHeight(buttons);
         const QPoint middle(0, (line.height - size.height()) / 2);
         items_[i]->setGeometry({corner + middle, size});

@@ -1,9 +1,9 @@
 // Widgets one behind the other like words of a text: what finds no room on its
 // line begins the next one.
 //
-// It asks for the height that its lines take at the width it has, and asks anew
-// when a new width changes that, so it works inside of splitters and scrolled
-// pages, which don't ask for a height by width.
+// It tells the height that its lines take at any width, so a page is right the
+// first time it is shown. Splitters don't ask for a height by width: for them it
+// asks for the height at the width it has, and anew when a new width changes that.
 #pragma once
 
 #include <QLayout>
@@ -21,6 +21,8 @@ class FlowLayout final : public QLayout {
     QLayoutItem* itemAt(int index) const override { return items_.value(index); }
     QLayoutItem* takeAt(int index) override;
     Qt::Orientations expandingDirections() const override { return {}; }
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override { return height_at(width); }
     QSize sizeHint() const override;
     QSize minimumSize() const override;
     void setGeometry(const QRect& rect) override;

@@ -6,6 +6,16 @@
 #include "platform/qt/flow_layout.h"
 
 namespace vkm {
+namespace {
+
+// Its content may be as high as it likes: what lies around it shall not scroll
+// for the sake of something that scrolls by itself.
+class ScrolledPage final : public QScrollArea {
+  public:
+    QSize sizeHint() const override { return minimumSizeHint(); }
+};
+
+}  // namespace
 
 QLabel* caption(const char* text, QWidget* buddy) {
     auto* label = new QLabel(QString::fromUtf8(text));
@@ -60,7 +70,7 @@ QFormLayout* form() {
 }
 
 QWidget* scrolling(QWidget* page) {
-    auto* area = new QScrollArea;
+    auto* area = new ScrolledPage;
     area->setWidgetResizable(true);
     area->setFrameShape(QFrame::NoFrame);
     area->setFocusPolicy(Qt::NoFocus);

@@ -18,7 +18,7 @@ namespace {
 constexpr int column_width = 430;  // logical pixels
 constexpr int log_rows = 6;        // at the least
 constexpr int log_columns = 40;
-constexpr int fewest_option_lines = 2;
+constexpr int fewest_option_lines = 1;
 
 // Shown for reading; the logic alone writes it.
 Field* read_only(Field* field) {
@@ -88,7 +88,8 @@ QWidget* make_step_2(ScreenView& view, Screen& s) {
 
 QWidget* make_step_3(ScreenView& view, Screen& s) {
     QWidget* frame = view(s.Frame6);
-    auto* port = caption("COM:", view(s.combCommPort));
+    auto* port = caption("CO&M:", view(s.combCommPort));
+    static_cast<QLabel*>(view(s.LabMaxBaud))->setBuddy(view(s.cobBaudMax));
     column(frame)->addLayout(
         row({port, view(s.combCommPort), view.use(s.imgOpen_sys, new Lamp(true)),
              view(s.imgNotOpen_sys), nullptr, view(s.LabMaxBaud), view(s.cobBaudMax)}));
@@ -164,7 +165,7 @@ QLayout* make_result(ScreenView& view, Screen& s) {
     count->setAlignment(Qt::AlignRight);
     auto* line = new QHBoxLayout;
     line->addWidget(view.use(s.labVerdict, new VerdictMark), 1);
-    line->addWidget(caption("计数/Count:", count));
+    line->addWidget(caption("计数/Co&unt:", count));
     line->addWidget(count);
     line->addWidget(view(s.comClear_OK_Count));
     return line;
@@ -176,7 +177,7 @@ QWidget* make_step_5(ScreenView& view, Screen& s) {
     lines->addLayout(make_buttons(view, s));
     lines->addLayout(make_result(view, s));
     lines->addLayout(row({caption("Beep/响铃:"), view(s.optBeepYes), view(s.optBeepNo), nullptr,
-                          caption("间隔/Delay:", view(s.comDalay_ReDownLoad)),
+                          caption("间隔/De&lay:", view(s.comDalay_ReDownLoad)),
                           view(s.comDalay_ReDownLoad), caption("s")}));
     view.make_set({&s.optBeepYes, &s.optBeepNo});
     lines->addLayout(row({view(s.cekReloadFile), view(s.cekReloadFileWhileFileChange), nullptr}));

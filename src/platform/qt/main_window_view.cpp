@@ -1,5 +1,6 @@
 #include "platform/qt/main_window_view.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -106,8 +107,15 @@ void MainWindowView::lay_out() {
 void MainWindowView::draw() {
     view_.draw();
     status_->draw(frm_, port_, ports_);
+    if (std::exchange(drawn_ports_, ports_.version()) != ports_.version()) draw_port_lists();
     if (!(frm_.screen.window == drawn_)) draw_window();
     if (frm_.screen.MousePointer != drawn_pointer_) draw_pointer();
+}
+
+// A list that stands open tells of a plug at once.
+void MainWindowView::draw_port_lists() {
+    for (Control* list : {&frm_.screen.combCommPort, &frm_.screen.com_Debug_COM})
+        static_cast<QComboBox*>(view_(*list))->view()->viewport()->update();
 }
 
 void MainWindowView::draw_window() {
@@ -120,12 +128,25 @@ void MainWindowView::draw_window() {
         if (is_on_a_screen({place, size})) move(place);
     if (before.Shrunk != now.Shrunk) show_right(!now.Shrunk);
     if (now.Shrunk)
-        resize(column_width(), size.height());
+        narrow_to_column(size.height());
     else if (before.Width != now.Width || before.Height != now.Height || before.Shrunk)
         resize(size);
 }
 
+// Twice: only at its new height it is clear whether the column needs a scroll bar.
+void MainWindowView::narrow_to_column(int height) {
+    for (int turn = 0; turn < 2; ++turn) {
+        resize(column_width(), height);
+        centralWidget()->layout()->activate();
+    }
+}
+
+// A window that fills the screen has no width of its own to narrow; it fills it
+// again when it is whole again.
 void MainWindowView::show_right(bool shown) {
+    constexpr Qt::WindowStates filling = Qt::WindowMaximized | Qt::WindowFullScreen;
+    if (!shown) filled_ = windowState() & filling;
+    setWindowState(shown ? windowState() | filled_ : windowState() & ~filling);
     right_->setVisible(shown);
     // At once: until then the window can't get smaller than both halves.
     centralWidget()->layout()->activate();

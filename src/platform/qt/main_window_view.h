@@ -36,8 +36,10 @@ class MainWindowView final : public QMainWindow {
 
   private:
     void lay_out();
+    void draw_port_lists();
     void draw_window();
     void show_right(bool shown);
+    void narrow_to_column(int height);
     int column_width() const;
     void draw_pointer();
     void hear_geometry();
@@ -53,6 +55,8 @@ class MainWindowView final : public QMainWindow {
     StatusLine* status_ = nullptr;
     WindowRecord drawn_;  // as last drawn or heard
     std::int32_t drawn_pointer_ = default_pointer;
+    Qt::WindowStates filled_;  // how it filled the screen before it was shrunk
+    int drawn_ports_ = 0;      // version of the ports that the lists show
     bool over_ = false;
 };
 

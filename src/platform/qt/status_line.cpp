@@ -1,5 +1,7 @@
 #include "platform/qt/status_line.h"
 
+#include <QPainter>
+
 #include "platform/qt/form.h"
 #include "platform/qt/text_mapping.h"
 
@@ -33,14 +35,28 @@ void set_text(QLabel& label, std::string& shown, std::string text) {
     label.setToolTip(label.text());
 }
 
+// A text of one line whatever the width: what finds no room is left out of the
+// middle, and its hint has it whole.
+class OneLine final : public QLabel {
+  public:
+    OneLine() { setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); }
+
+  protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        const QString fitting = fontMetrics().elidedText(text(), Qt::ElideMiddle, width());
+        painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter, fitting);
+    }
+};
+
 }  // namespace
 
-StatusLine::StatusLine(QWidget* button) : port_(remark("")), reason_(remark("")) {
+StatusLine::StatusLine(QWidget* button) : port_(new OneLine), reason_(remark("")) {
     auto* lines = new QVBoxLayout;
-    for (QLabel* label : {port_, reason_}) {
-        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        lines->addWidget(label);
-    }
+    lines->setSpacing(0);
+    for (QLabel* label : {port_, reason_}) lines->addWidget(label);
+    port_->setTextFormat(Qt::PlainText);
+    reason_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* line = new QHBoxLayout(this);
     line->setContentsMargins(0, 0, 0, 0);
     line->addLayout(lines, 1);
@@ -55,7 +71,27 @@ void StatusLine::draw(const frmMain& frm, const QtSerialPort& port, const PortRe
     set_text(*port_, port_text_, describe(frm, port, ports));
     const std::string& reason = port.reason().text;
     set_text(*reason_, reason_text_, reason.empty() ? std::string() : warning + reason);
-    if (reason_->isHidden() != reason.empty()) reason_->setVisible(!reason.empty());
+    if (reason_->isHidden() == reason.empty()) return;
+    reason_->setVisible(!reason.empty());
+    make_room();
+}
+
+void StatusLine::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    make_room();
+}
+
+// A reason of more than one line takes the place of the port, which it names:
+// the steps above keep their height.
+void StatusLine::make_room() {
+    const int line = reason_->fontMetrics().lineSpacing();
+    const bool is_long =
+        !reason_->isHidden() && reason_->heightForWidth(port_width()) > line * 3 / 2;
+    port_->setVisible(!is_long);
+}
+
+int StatusLine::port_width() const {
+    return layout()->itemAt(0)->geometry().width();
 }
 
 }  // namespace vkm

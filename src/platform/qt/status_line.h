@@ -21,7 +21,13 @@ class StatusLine final : public QWidget {
     // Costs nothing to speak of when nothing has changed.
     void draw(const frmMain& frm, const QtSerialPort& port, const PortRegistry& ports);
 
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
   private:
+    void make_room();
+    int port_width() const;
+
     QLabel* port_;
     QLabel* reason_;
     std::string port_text_;
