@@ -465,6 +465,8 @@ TEST_F(QtScreenTest, ShrinkingLeavesTheStepsAndRestoringTheWholeWindow) {
 TEST_F(QtScreenTest, AWindowThatFillsTheScreenDoesSoAgainAfterShrinking) {
     tool.window.showMaximized();
     settle();
+    const QSize whole = tool.window.size();
+    ASSERT_NE(whole, QSize(screen.window.Width, screen.window.Height) / 15);
     auto* button = static_cast<QPushButton*>(widget(screen.comMastWindow));
     button->click();
     settle();
@@ -473,6 +475,7 @@ TEST_F(QtScreenTest, AWindowThatFillsTheScreenDoesSoAgainAfterShrinking) {
     button->click();
     settle();
     EXPECT_TRUE(tool.window.isMaximized());
+    EXPECT_EQ(tool.window.size(), whole);
 }
 
 TEST_F(QtScreenTest, NoPageNeedsMoreRoomThanASmallScreenHas) {

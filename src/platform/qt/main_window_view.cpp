@@ -129,6 +129,8 @@ void MainWindowView::draw_window() {
     if (before.Shrunk != now.Shrunk) show_right(!now.Shrunk);
     if (now.Shrunk)
         narrow_to_column(size.height());
+    else if (isMaximized() || isFullScreen())
+        return;  // it has its size from the screen
     else if (before.Width != now.Width || before.Height != now.Height || before.Shrunk)
         resize(size);
 }
