@@ -2,6 +2,7 @@
 
 #include "link/exchange_frames.h"
 #include "link/isp_link.h"
+#include "link/reply_gathering.h"
 #include "text/numbers.h"
 #include "waiting/waiting.h"
 
@@ -19,11 +20,6 @@ constexpr std::int32_t set_pause_ms = 1;
 
 bool ensure_open(SerialPort& port) {
     return port.is_open() || port.open() == 0;
-}
-
-void forget_reply(LinkState& link) {
-    link.rx_count = 0;
-    link.frame_ok = false;
 }
 
 bool reopen_at(frmMain& frm, std::string_view baud) {

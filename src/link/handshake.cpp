@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <span>
 #include <string>
 
@@ -14,7 +13,6 @@
 #include "link/isp_link.h"
 #include "link/link_texts.h"
 #include "link/status_frame.h"
-#include "platform/port_settings.h"
 #include "plug.h"
 #include "text/numbers.h"
 #include "text/trimming.h"
@@ -123,10 +121,9 @@ bool answered_or_stopped(const LinkState& link) {
 // How long the line needs, in ms, until no more than one pulse is unsent.
 std::int32_t until_one_pulse_is_left(const SerialPort& port) {
     const std::size_t unsent = port.output_count();
-    const auto settings = parse_port_settings(port.settings());
-    if (!settings || unsent <= sync_pulse.size()) return 0;
-    const double bits = static_cast<double>(unsent - sync_pulse.size()) * settings->bits_per_byte();
-    return static_cast<std::int32_t>(std::ceil(bits * 1000 / settings->baud));
+    if (unsent <= sync_pulse.size()) return 0;
+    const Microseconds left = time_on_wire(port, unsent - sync_pulse.size());
+    return static_cast<std::int32_t>(std::chrono::ceil<Milliseconds>(left).count());
 }
 
 // Until the operator gives the chip its power. Pulses must not pile up in the
@@ -136,7 +133,7 @@ void pulse_until_answer(frmMain& frm) {
     LinkState& link = frm.link;
     link.receive_enabled = true;
     while (!answered_or_stopped(link)) {
-        write_frame(frm, sync_pulse);
+        write_signal(frm, sync_pulse);
         do wait_for_frame(frm, std::max(pulse_ms, until_one_pulse_is_left(frm.platform.port)));
         while (!answered_or_stopped(link) && frm.platform.port.output_count() > sync_pulse.size());
     }

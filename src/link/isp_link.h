@@ -4,7 +4,8 @@
 // waits for them, and everything up to a chip that is identified and talks at
 // its final baud (handshake.h, baud_exchange.h). Called by the session flows and
 // the board. Always holds: half duplex, one request then one answer; flags are
-// cleared before a frame is written, never after; nothing is retransmitted here.
+// cleared before a frame is written, never after; no answer is taken before its
+// request has left the wire; nothing is retransmitted here.
 // A failure is a result of -1 or false, never a text, except in the handshake.
 #pragma once
 
@@ -42,6 +43,9 @@ void show_port_picture(frmMain& frm, bool open);
 // settings before stay in force then.
 bool set_port_baud(frmMain& frm, std::string_view baud);
 
+// Time that so many bytes take on the wire at the port's rate.
+Microseconds time_on_wire(const SerialPort& port, std::size_t bytes);
+
 // The connection is made by the trigger at 115200 baud (cheTL), without pulses.
 bool over_trigger(const frmMain& frm);
 
@@ -63,10 +67,15 @@ void on_port_event(frmMain& frm);
 
 // ---- sending ------------------------------------------------------------
 
-// Writes a frame to the port.
+// Writes a request to the port. A reply that is here before the request has left
+// the wire is a late one to the request before, and is passed over.
 void write_frame(frmMain& frm, std::span<const std::uint8_t> bytes);
 
-// Writes a frame; if bytes are still unsent lets events run once; waits 3 ms.
+// Writes what a chip without power or a running program may answer at any time:
+// sync pulses, a trigger.
+void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes);
+
+// Writes a request; if bytes are still unsent lets events run once; waits 3 ms.
 void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes);
 
 // One block of `count` bytes of the image from `address`: 0 when the chip

@@ -1,6 +1,8 @@
 // The port operations of the link.
 #include "link/baud.h"
 #include "link/isp_link.h"
+#include "link/reply_gathering.h"
+#include "platform/port_settings.h"
 
 namespace vkm {
 namespace {
@@ -57,6 +59,13 @@ bool set_port_baud(frmMain& frm, std::string_view baud) {
     return frm.platform.port.set_settings(port_settings(baud));
 }
 
+Microseconds time_on_wire(const SerialPort& port, std::size_t bytes) {
+    const auto settings = parse_port_settings(port.settings());
+    if (!settings) return {};
+    const double bits = static_cast<double>(bytes) * settings->bits_per_byte();
+    return std::chrono::floor<Microseconds>(std::chrono::duration<double>(bits / settings->baud));
+}
+
 bool over_trigger(const frmMain& frm) {
     return frm.screen.cheTL.Value != 0;
 }
@@ -72,8 +81,7 @@ void reset_receive(frmMain& frm) {
     if (!was_open) port.open();
     port.read();
     if (!was_open && !held_at_base_baud(frm)) port.close();
-    frm.link.rx_count = 0;
-    frm.link.frame_ok = false;
+    forget_reply(frm.link);
     frm.link.seen_46 = false;
 }
 

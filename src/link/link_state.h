@@ -4,8 +4,11 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "platform/event_loop.h"
 
 namespace vkm {
 
@@ -35,7 +38,11 @@ struct LinkState {
     bool seen_B9 = false;
     bool demo_mode = false;   // replies are of the 5A A5 class
     bool debug_mode = false;  // the port belongs to the terminal
-    bool use_crc = false;     // board frames carry a CRC instead of the sum
+    // When the request written last will have left the wire, nothing having held it
+    // up: what comes before that answers an older one. Nothing behind pulses and
+    // triggers, which may be answered at any time.
+    std::optional<Instant> request_gone;
+    bool use_crc = false;  // board frames carry a CRC instead of the sum
 
     bool close_pending = false;  // the window was asked to close during a session
 

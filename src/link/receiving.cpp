@@ -5,6 +5,18 @@
 
 namespace vkm {
 
+namespace {
+
+// The line is half duplex and replies carry no number: one that is here while a
+// request is still leaving the wire is a late one to the request before.
+bool answers_older_request(const frmMain& frm) {
+    const SerialPort& port = frm.platform.port;
+    const auto& gone = frm.link.request_gone;
+    return gone && port.has_wire() && (port.output_count() > 0 || frm.platform.loop.now() < *gone);
+}
+
+}  // namespace
+
 int copy_receive(frmMain& frm) {
     frm.link.rx_copy = frm.link.rx_frame;
     return frm.link.rx_count;
@@ -20,8 +32,8 @@ void on_port_event(frmMain& frm) {
         if (gather_demo_reply(link, bytes) == Gathered::bad_mark) reset_receive(frm);
     } else if (link.debug_mode) {
         run_plug(frm, link.Monitor_Bytes, bytes);
-    } else {
-        gather_reply(link, bytes);
+    } else if (gather_reply(link, bytes) == Gathered::frame && answers_older_request(frm)) {
+        forget_reply(link);
     }
 }
 

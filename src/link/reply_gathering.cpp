@@ -143,6 +143,11 @@ void take_demo_bytes(LinkState& link, std::span<const std::uint8_t>& bytes) {
 
 }  // namespace
 
+void forget_reply(LinkState& link) {
+    link.rx_count = 0;
+    link.frame_ok = false;
+}
+
 Gathered gather_reply(LinkState& link, std::span<const std::uint8_t> bytes) {
     if (link.hunt_header && link.rx_count == 0 && !hunt(link, bytes)) return Gathered::incomplete;
     if (!link.receive_enabled) return Gathered::incomplete;

@@ -13,6 +13,9 @@
 
 namespace vkm {
 
+// What has been gathered so far is no reply.
+void forget_reply(LinkState& link);
+
 enum class Gathered {
     incomplete,  // more bytes are needed
     frame,       // a frame passed its check; its flag is set

@@ -2,6 +2,7 @@
 // the receive handler may run between any two of its steps that wait.
 #include "link/frames.h"
 #include "link/isp_link.h"
+#include "link/reply_gathering.h"
 #include "waiting/waiting.h"
 
 namespace vkm {
@@ -77,6 +78,13 @@ bool send_block_frame(frmMain& frm, std::int32_t address, std::int32_t count, bo
 }  // namespace
 
 void write_frame(frmMain& frm, std::span<const std::uint8_t> bytes) {
+    const SerialPort& port = frm.platform.port;
+    frm.link.request_gone = frm.platform.loop.now() + time_on_wire(port, bytes.size());
+    frm.platform.port.write(bytes);
+}
+
+void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes) {
+    frm.link.request_gone.reset();
     frm.platform.port.write(bytes);
 }
 
@@ -118,9 +126,8 @@ int send_trigger(frmMain& frm, std::uint8_t command) {
     if (!trigger) return -1;
     set_port_defaults(frm);
     if (!frm.platform.port.is_open() && open_port(frm) == not_open) return -1;
-    frm.link.rx_count = 0;
-    frm.link.frame_ok = false;
-    write_frame(frm, *trigger);
+    forget_reply(frm.link);
+    write_signal(frm, *trigger);
     return 0;
 }
 

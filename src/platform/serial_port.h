@@ -56,6 +56,11 @@ class SerialPort {
     virtual std::size_t output_count() const = 0;
     virtual void clear_output() = 0;
 
+    // Bytes take their time to the other end, so that nothing there can answer a
+    // frame before all of it has left. False for a device without a wire (a
+    // pseudo-terminal) and while the port is closed.
+    virtual bool has_wire() const = 0;
+
     // Queues bytes for sending, without waiting. On a closed port nothing happens.
     virtual void write(std::span<const std::uint8_t> bytes) = 0;
 };

@@ -30,6 +30,7 @@ class ForwardingPort : public SerialPort {
     void clear_input() override { below_.clear_input(); }
     std::size_t output_count() const override { return below_.output_count(); }
     void clear_output() override { below_.clear_output(); }
+    bool has_wire() const override { return below_.has_wire(); }
     void write(std::span<const std::uint8_t> bytes) override { below_.write(bytes); }
 
   protected:

@@ -44,6 +44,7 @@ class VirtualPort final : public SerialPort {
     void clear_input() override { line_.input.clear(); }
     std::size_t output_count() const override { return open_ ? line_.unsent() : 0; }
     void clear_output() override { line_.drop_unsent(loop_.now()); }
+    bool has_wire() const override { return open_ && wired; }
     void write(std::span<const std::uint8_t> bytes) override;
 
     // ---- the test's side ------------------------------------------------------
@@ -62,6 +63,9 @@ class VirtualPort final : public SerialPort {
     int closings = 0;
     std::vector<Written> written;                // every write to the open port
     std::vector<std::string> settings_in_force;  // each time that a rate came to the wire
+
+    // False makes it a port that calls itself a device without a wire.
+    bool wired = true;
 
     // False makes it a bad port that doesn't wait for the output when it closes
     // or changes its rate; the line then tells.
