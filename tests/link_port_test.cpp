@@ -8,6 +8,7 @@
 #include "link/frames.h"
 #include "link/handshake.h"
 #include "link/isp_link.h"
+#include "link/reply_gathering.h"
 #include "support/virtual_world.h"
 #include "waiting/waiting.h"
 
@@ -495,6 +496,86 @@ TEST_F(LinkPort, AnAnswerToTheFrameBeforeIsNotTakenForThisOne) {
     line.input.assign(late.begin(), late.end());
     link.frame_ok = true;
     EXPECT_EQ(send_block(frm, 0, 4, false, image), -1);
+}
+
+TEST_F(LinkPort, AReplyThatIsHereBeforeTheBlockHasLeftIsNotItsAnswer) {
+    constexpr double block_ms = 142 * 10 / 115.2;
+    const Bytes late = reply({0x80});
+    for (const bool answered : {true, false}) {
+        for (double ms = 0; ms < 20; ms += 0.25) {
+            SCOPED_TRACE(ms);
+            open_at("115200");
+            if (answered) target.answer = [&](const Bytes&) { return reply({0x80}); };
+            target.turnaround = milliseconds(10);
+            loop.after(microseconds(static_cast<int>(ms * 1000)),
+                       [&] { line.input.insert(line.input.end(), late.begin(), late.end()); });
+            int result = 1;
+            const double took = time_of([&] { result = send_block(frm, 0, 128, false, image); });
+            if (ms < block_ms) {
+                EXPECT_EQ(result, answered ? 0 : -1);
+                EXPECT_NEAR(took, answered ? block_ms + 10 + 0.7 : 1000, 0.1);
+            } else {
+                EXPECT_EQ(result, 0);
+                EXPECT_NEAR(took, ms, 0.1);
+            }
+            target.answer = nullptr;
+        }
+    }
+}
+
+TEST_F(LinkPort, ADeviceWithoutAWireMayAnswerAtOnce) {
+    open_at("115200");
+    port.wired = false;
+    const Bytes early = reply({0x80});
+    at(1, [&] { line.input.assign(early.begin(), early.end()); });
+    EXPECT_EQ(send_block(frm, 0, 128, false, image), 0);
+}
+
+TEST_F(LinkPort, PulsesAndTriggersMayBeAnsweredAtAnyTime) {
+    open_at("1200");
+    const Bytes answer = reply({0x80});
+    const Bytes pulse = {0x7F, 0x7F};
+    for (const bool trigger : {true, false}) {
+        write_frame(frm, answer);  // a request before it
+        port.clear_output();
+        if (trigger)
+            EXPECT_EQ(send_trigger(frm, 0x8A), 0);
+        else
+            write_signal(frm, pulse);
+        forget_reply(link);
+        at(1, [&] { line.input.assign(answer.begin(), answer.end()); });
+        EXPECT_TRUE(wait_for_frame(frm, 10));
+    }
+}
+
+TEST_F(LinkPort, TheOutputOfABusyAdapterIsWaitedFor) {
+    open_at("115200");
+    at(1, [&] { port.write(image); });  // it isn't done when the frame should have left
+    const Bytes late = reply({0x80});
+    at(30, [&] { line.input.assign(late.begin(), late.end()); });
+    EXPECT_EQ(send_block(frm, 0, 128, false, image), -1);
+}
+
+TEST_F(LinkPort, AFrameThatTheDriverDroppedIsNotAnsweredInItsTime) {
+    open_at("115200");
+    at(1, [&] { port.clear_output(); });
+    const Bytes late = reply({0x80});
+    at(5, [&] { line.input.assign(late.begin(), late.end()); });
+    EXPECT_EQ(send_block(frm, 0, 128, false, image), -1);
+}
+
+TEST_F(LinkPort, ARequestIsOpenUntilItsAnswerCame) {
+    open_at("115200");
+    target.answer = [&](const Bytes&) { return reply({0x80}); };
+    EXPECT_FALSE(link.open_request);
+    send_command(frm, 0x80, 200, 0);
+    EXPECT_TRUE(link.open_request);
+    EXPECT_TRUE(wait_for_frame(frm, 200));
+    EXPECT_FALSE(link.open_request);
+    target.answer = nullptr;
+    send_command(frm, 0x80, 200, 0);
+    EXPECT_FALSE(wait_for_frame(frm, 200));
+    EXPECT_TRUE(link.open_request);
 }
 
 TEST_F(LinkPort, AVanishedPortFailsABlock) {

@@ -93,6 +93,13 @@ TEST_F(QtPortTest, BytesCountAsUnsentForTheirTimeOnTheWire) {
     EXPECT_LT(took, Milliseconds(1000));
 }
 
+// Whatever sits at its other end may answer as soon as the bytes are written.
+TEST_F(QtPortTest, APseudoTerminalHasNoWire) {
+    EXPECT_FALSE(port.has_wire());
+    open("1200,n,8,1");
+    EXPECT_FALSE(port.has_wire());
+}
+
 TEST_F(QtPortTest, TheLoopWakesWhenTheLastByteHasLeft) {
     open("1200,n,8,1");
     EXPECT_EQ(port.next_departure(monotonic_now()), never);

@@ -6,9 +6,12 @@
 #include <map>
 
 #include "session_bench.h"
+#include "support/holding_line.h"
 
 namespace vkm::test {
 namespace {
+
+using std::chrono::milliseconds;
 
 // A job without a fault ends within 3 s; with the waits of all retries, within this.
 constexpr auto longest_job = std::chrono::minutes(3);
@@ -153,6 +156,32 @@ TEST(FaultSweep, AnAnswerThatTheChipGetsWrong) {
     }
 }
 
+// Answers carry no number, so a late one must not pass for the next.
+TEST(FaultSweep, AnAnswerThatTheLineHoldsBack) {
+    Outcomes outcomes;
+    for (const Chip& chip : chips) {
+        for (const bool short_acks : {false, true}) {
+            for (int ms = 200; ms <= 400; ms += 25) {
+                bool held_back = true;
+                for (int nth = 1; held_back; ++nth) {
+                    SCOPED_TRACE(chip.chip + ", answer " + std::to_string(nth) + ", " +
+                                 std::to_string(ms) + " ms");
+                    SessionBench bench({.model = chip.chip, .short_acks = short_acks}, chip.model);
+                    HoldingLine held(bench.chip.target(), nth, milliseconds(ms));
+                    bench.line.connect(held.target());
+                    bench.load(700);
+                    somebody_presses_stop(bench);
+                    run_job(bench, outcomes);
+                    held_back = held.answers >= nth;
+                    if (HasFailure()) return;
+                }
+            }
+        }
+    }
+    EXPECT_GT(outcomes.good, 1000);
+    EXPECT_EQ(outcomes.failed + outcomes.stopped, 0);
+}
+
 TEST(FaultSweep, TheChipLosesItsPower) {
     Outcomes outcomes;
     for (int ms = 0; ms < 2600; ms += 7) {
@@ -258,6 +287,39 @@ TEST(FaultSoak, ManyFaultsAtOnce) {
     EXPECT_GT(outcomes.good, 100);
     EXPECT_GT(outcomes.failed, 20);
     EXPECT_GT(outcomes.stopped, 20);
+}
+
+TEST(FaultSoak, ManyWrongAnswersAtOnce) {
+    using sim::FaultKind;
+    const FaultKind kinds[] = {FaultKind::delay, FaultKind::lose_frame, FaultKind::lose_reply,
+                               FaultKind::twice, FaultKind::damage,     FaultKind::cut_off};
+    Outcomes outcomes;
+    for (unsigned seed = 1; seed <= 600; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        std::mt19937 dice(seed);
+        const auto roll = [&](int sides) {
+            return static_cast<int>(dice() % static_cast<unsigned>(sides));
+        };
+        const Chip& chip = chips[static_cast<std::size_t>(roll(static_cast<int>(chips.size())))];
+        sim::ChipConfig config{.model = chip.chip,
+                               .short_acks = roll(2) == 0,
+                               .block_time = std::chrono::microseconds(500 + roll(8000)),
+                               .erase_time = milliseconds(50 + roll(1000))};
+        for (int faults = roll(12); faults > 0; --faults) {
+            const FaultKind kind = kinds[roll(6)];
+            config.faults.push_back({.kind = kind,
+                                     .nth = 1 + roll(40),
+                                     .times = 1 + roll(2),
+                                     .value = kind == FaultKind::delay ? roll(1500) : 4});
+        }
+        SessionBench bench(config, chip.model);
+        bench.load(static_cast<std::size_t>(200 + roll(1800)));
+        somebody_presses_stop(bench);
+        run_job(bench, outcomes);
+        if (HasFailure()) return;
+    }
+    EXPECT_GT(outcomes.good, 300);
+    EXPECT_GT(outcomes.failed, 10);
 }
 
 }  // namespace

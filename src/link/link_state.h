@@ -38,10 +38,10 @@ struct LinkState {
     bool seen_B9 = false;
     bool demo_mode = false;   // replies are of the 5A A5 class
     bool debug_mode = false;  // the port belongs to the terminal
-    // When the request written last will have left the wire, nothing having held it
-    // up: what comes before that answers an older one. Nothing behind pulses and
-    // triggers, which may be answered at any time.
-    std::optional<Instant> request_gone;
+    // The request that has no answer yet: when it will have left the wire, nothing
+    // having held it up. What comes before that answers an older one. Pulses and
+    // triggers are none, since they may be answered at any time.
+    std::optional<Instant> open_request;
     bool use_crc = false;  // board frames carry a CRC instead of the sum
 
     bool close_pending = false;  // the window was asked to close during a session

@@ -11,7 +11,7 @@ namespace {
 // request is still leaving the wire is a late one to the request before.
 bool answers_older_request(const frmMain& frm) {
     const SerialPort& port = frm.platform.port;
-    const auto& gone = frm.link.request_gone;
+    const auto& gone = frm.link.open_request;
     return gone && port.has_wire() && (port.output_count() > 0 || frm.platform.loop.now() < *gone);
 }
 
@@ -32,8 +32,11 @@ void on_port_event(frmMain& frm) {
         if (gather_demo_reply(link, bytes) == Gathered::bad_mark) reset_receive(frm);
     } else if (link.debug_mode) {
         run_plug(frm, link.Monitor_Bytes, bytes);
-    } else if (gather_reply(link, bytes) == Gathered::frame && answers_older_request(frm)) {
-        forget_reply(link);
+    } else if (gather_reply(link, bytes) == Gathered::frame) {
+        if (answers_older_request(frm))
+            forget_reply(link);
+        else
+            link.open_request.reset();
     }
 }
 

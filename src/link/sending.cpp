@@ -79,12 +79,12 @@ bool send_block_frame(frmMain& frm, std::int32_t address, std::int32_t count, bo
 
 void write_frame(frmMain& frm, std::span<const std::uint8_t> bytes) {
     const SerialPort& port = frm.platform.port;
-    frm.link.request_gone = frm.platform.loop.now() + time_on_wire(port, bytes.size());
+    frm.link.open_request = frm.platform.loop.now() + time_on_wire(port, bytes.size());
     frm.platform.port.write(bytes);
 }
 
 void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes) {
-    frm.link.request_gone.reset();
+    frm.link.open_request.reset();
     frm.platform.port.write(bytes);
 }
 
