@@ -157,19 +157,39 @@ TEST(Handshake, NoLowerBaudIsTriedBelowTheLowestRow) {
 }
 
 TEST(Handshake, ACountOfOneIsTheOnlyRateTried) {
-    for (const int lost : {2, 3}) {
-        Bench bench({.model = "VKM26H2052",
-                     .clock_hz = 1843200,
-                     .faults = {lose_reply(FrameKind::test_baud, lost)}});
-        bench.run();
-        EXPECT_EQ(bench.heard(FrameKind::test_baud), 3);
-        if (lost == 2) {
-            bench.expect_connected();
-            EXPECT_EQ(bench.newbaud, 115200);
-            EXPECT_EQ(bench.last_heard(FrameKind::set_baud)[7], 0xFF);
-        } else {
-            bench.expect_failure_told();
+    for (const char* model : {"VKM26H2052", "VKM26H5408", "VKM27J052"})
+        for (const int lost : {2, 3}) {
+            SCOPED_TRACE(std::string(model) + ", " + std::to_string(lost) + " lost");
+            Bench bench({.model = model,
+                         .clock_hz = 1843200,
+                         .faults = {lose_reply(FrameKind::test_baud, lost)}});
+            bench.run();
+            EXPECT_EQ(bench.heard(FrameKind::test_baud), 3);
+            if (lost == 2) {
+                bench.expect_connected();
+                EXPECT_EQ(bench.newbaud, 115200);
+                EXPECT_EQ(bench.last_heard(FrameKind::set_baud)[7], 0xFF);
+            } else {
+                bench.expect_failure_told();
+            }
         }
+}
+
+// No rate of the list lies within the limit: a pair that means nothing is offered
+// three times, at a rate that no port takes, so that nothing is waited for.
+TEST(Handshake, WithoutARateThatFitsItFailsSoon) {
+    for (const char* model : {"VKM47H58RK+", "VKM26H2052", "VKM26H5408", "VKM27J052"}) {
+        SCOPED_TRACE(model);
+        Bench bench({.model = model});
+        fill_list(bench.frm.screen.cobBaudMax, {"600"});
+        ASSERT_TRUE(bench.choose(bench.frm.screen.cobBaudMax, "600"));
+        bench.run();
+        bench.expect_failure_told();
+        const auto tests = std::count_if(bench.port.written.begin(), bench.port.written.end(),
+                                         [](const Written& w) { return w.bytes.size() == 14; });
+        EXPECT_EQ(tests, 3);
+        EXPECT_LT(bench.took, 2'500);
+        EXPECT_EQ(bench.port.settings(), "1200,n,8,1");
     }
 }
 
@@ -332,6 +352,26 @@ TEST(TriggerLink, TriggersEvery100MillisecondsUntilTheChipAnswers) {
     for (const Written& written : bench.port.written)
         if (written.bytes.size() == 12 && written.bytes[9] == 0x8A) ++triggers;
     EXPECT_NEAR(triggers, 21, 1);
+}
+
+// Held at the base baud nothing closes the port, whose rate is the trigger's.
+TEST(TriggerLink, AHighestRateOf1200LeavesThePortAlone) {
+    int openings[2] = {};
+    for (const bool held : {false, true}) {
+        Bench bench({.model = "VKM47H58RK+"});
+        bench.frm.screen.cheTL.Value = 1;
+        ASSERT_TRUE(bench.choose(bench.frm.screen.cobBaudMax, held ? "1200" : "2400"));
+        bench.at(10, [&] { bench.port.openings = 0; });
+        bench.run();
+        EXPECT_EQ(bench.result, 0) << bench.story();
+        EXPECT_EQ(bench.newbaud, 115200);
+        EXPECT_EQ(bench.port.settings(), "115200,n,8,1");
+        EXPECT_EQ(bench.heard(FrameKind::test_baud), 1);
+        EXPECT_TRUE(bench.chip.faults().empty()) << bench.story();
+        openings[held] = bench.port.openings;
+    }
+    EXPECT_EQ(openings[false], 1);  // behind the test
+    EXPECT_EQ(openings[true], 0);
 }
 
 TEST(TriggerLink, ThreeFailedTestsAreAFailure) {

@@ -54,6 +54,30 @@ TEST(Handshake, StopWhileTheChipDoesNotAnswerTheTest) {
     }
 }
 
+// The operator presses Stop between two polls, and the answer comes between the
+// same two: the stop counts.
+TEST(Handshake, StopWinsOverAnAnswerOfTheSameMoment) {
+    static int answers = 0;
+    for (const bool trigger : {false, true})
+        for (int nth = 1; nth <= (trigger ? 3 : 4); ++nth) {
+            SCOPED_TRACE(std::to_string(nth) + (trigger ? " over the trigger" : " over pulses"));
+            Bench bench;
+            choose_watchdog(bench, "P3.5");
+            bench.frm.screen.cheTL.Value = trigger;
+            answers = nth;  // status, watchdog, test, set
+            bench.frm.link.Receive_Event = [](frmMain& frm) {
+                on_port_event(frm);
+                if (frm.link.frame_ok && --answers == 0) frm.link.stop_requested = true;
+            };
+            bench.run();
+            EXPECT_LE(answers, 0);
+            bench.expect_stop_told();
+            EXPECT_EQ(bench.heard(FrameKind::watchdog), nth > 1);
+            EXPECT_EQ(bench.heard(FrameKind::set_baud), nth > 3);
+            EXPECT_EQ(bench.log().starts_with(programming_text), nth > 1 && !trigger);
+        }
+}
+
 // Stop as the operator's button does it: the port is closed under the handshake.
 TEST(Handshake, AStopThatClosesThePortIsSurvivedAtAnyMoment) {
     for (std::int64_t ms = 0; ms < 700; ms += 3) {

@@ -262,17 +262,21 @@ TEST(Handshake, TheFeatureByteTellsFirmwareSizeAndHeader) {
 }
 
 TEST(Handshake, FourModelsLeaveTheFirmwareSizeOpen) {
-    for (const char* model : {"VKM47H55RK+", "VKM47W55RK+", "VKM47H61RK+", "VKM47W61RK+"}) {
-        Bench bench({.model = model, .feature = 0x82});
-        bench.frm.screen.txtDevice.Text = std::string(" ") + model + " ";
-        bench.run();
-        bench.expect_connected();
-        EXPECT_TRUE(bench.frm.link.Chip_Extended) << model;
-        EXPECT_EQ(bench.frm.link.Chip_Flash_Info, 0) << model;
-        EXPECT_EQ(bench.frm.session.Firmware_Size, 0) << model;
-        EXPECT_TRUE(bench.frm.session.Firmware_Size_Known);
-        EXPECT_TRUE(bench.frm.link.hunt_header) << model;
-    }
+    for (const char* model : {"VKM47H55RK+", "VKM47W55RK+", "VKM47H61RK+", "VKM47W61RK+"})
+        for (const int features : {0x00, 0x01, 0x02, 0x03, 0x80, 0x82, 0x83}) {
+            SCOPED_TRACE(std::string(model) + " " + std::to_string(features));
+            Bench bench({.model = model, .feature = static_cast<std::uint8_t>(features)});
+            bench.frm.screen.txtDevice.Text = std::string(" ") + model + " ";
+            bench.frm.link.Chip_Flash_Info = 77;
+            bench.run();
+            bench.expect_connected();
+            EXPECT_TRUE(bench.frm.link.Chip_Extended);
+            EXPECT_EQ(bench.frm.link.Chip_Flash_Info, 0);
+            EXPECT_EQ(bench.frm.session.Firmware_Size, 0);
+            EXPECT_TRUE(bench.frm.session.Firmware_Size_Known);
+            EXPECT_EQ(bench.frm.link.hunt_header, features >= 0x80);
+            EXPECT_EQ(bench.frm.link.Chip_Needs_Header, features >= 0x80);
+        }
 }
 
 TEST(Handshake, FirmwareBelowNumber38HasNoFeatures) {
@@ -434,6 +438,16 @@ TEST(Handshake, EnglishTextsAreSelectable) {
     stopped.stop_in(100);
     stopped.run();
     EXPECT_EQ(stopped.log(), "\r\nOperation is stop. ");
+    config.faults = {lose_reply(FrameKind::watchdog, 0)};
+    Bench refusing(config);
+    refusing.frm.screen.Show_English = true;
+    choose_watchdog(refusing, "P3.5");
+    refusing.run();
+    EXPECT_EQ(refusing.log(), "\r\nWe are trying to program ...\r\nHandshake is failed.");
+    Bench reading({.model = "VKM47H58RK+", .status_length = 24});
+    reading.frm.screen.Show_English = true;
+    reading.run(true);
+    EXPECT_EQ(reading.log(), "\r\nWe are Reading Chip Lock.");
 }
 
 TEST(Handshake, APortThatVanishesHangsNothingAndStopWorks) {

@@ -459,6 +459,15 @@ TEST_F(LinkPort, ASilentChipFailsABlockAfterTheReplyTime) {
     EXPECT_DOUBLE_EQ(time_of([&] { EXPECT_EQ(send_block(frm, 0, 128, false, image), -1); }), 4000);
 }
 
+TEST_F(LinkPort, AnAnswerIsLostWhileReceivingIsOff) {
+    open_at("115200");
+    target.answer = [&](const Bytes&) { return reply({0x80}); };
+    link.receive_enabled = false;
+    EXPECT_DOUBLE_EQ(time_of([&] { EXPECT_EQ(send_block(frm, 0, 128, false, image), -1); }), 1000);
+    link.receive_enabled = true;
+    EXPECT_EQ(send_block(frm, 0, 128, false, image), 0);
+}
+
 TEST_F(LinkPort, ABlockAnswerWithAWrongSumRunsIntoTheTimeout) {
     open_at("115200");
     target.answer = [&](const Bytes&) {

@@ -297,6 +297,13 @@ TEST(Download, ReturnsToTheLockedStateThatItCameFrom) {
 
 // ---- connecting ---------------------------------------------------------------------
 
+std::ptrdiff_t frames_heard(const SessionBench& bench, sim::FrameKind kind) {
+    const auto& log = bench.chip.log();
+    return std::count_if(log.begin(), log.end(), [kind](const sim::LoggedFrame& frame) {
+        return !frame.from_chip && frame.kind == kind;
+    });
+}
+
 TEST(Connect, WaitsForPowerAsLongAsItTakes) {
     SessionBench bench({.powered_at = sim::never});
     bench.load(300);
@@ -350,6 +357,57 @@ TEST(Connect, FailsWhenTheOptionsCantBeRead) {
     EXPECT_TRUE(ends_with(without_times(bench.log()),
                           "\r\nHandshake is failed. / 握手失败 (End: hh:mm:ss)"));
     EXPECT_EQ(bench.sounder.beeps(), 3);
+}
+
+TEST(Connect, ReadsTheOptionsInFourTimesThreeTries) {
+    for (const int lost : {11, 12}) {
+        SCOPED_TRACE(lost);
+        SessionBench bench({.model = "VKM47H58RK",
+                            .status_length = 24,
+                            .faults = {{.kind = sim::FaultKind::lose_frame,
+                                        .frame = sim::FrameKind::status_read,
+                                        .times = lost}}});
+        bench.load(300);
+        comDownload(bench.frm, 0);
+        EXPECT_EQ(frames_heard(bench, sim::FrameKind::status_read), 12);
+        if (lost == 11)
+            expect_good_chip(bench);
+        else
+            expect_failed_at(bench, "Read options / 读选项");
+    }
+}
+
+TEST(Connect, ChecksTheLinkFiveTimesBeforeTheErase) {
+    SessionBench bench;
+    bench.load(300);
+    comDownload(bench.frm, 0);
+    expect_good_chip(bench);
+    std::vector<sim::FrameKind> kinds;
+    for (const sim::LoggedFrame& frame : bench.chip.log())
+        if (!frame.from_chip) kinds.push_back(frame.kind);
+    const auto set = std::find(kinds.begin(), kinds.end(), sim::FrameKind::set_baud);
+    ASSERT_GE(kinds.end() - set, 7);
+    EXPECT_EQ(std::count(set, set + 6, sim::FrameKind::link_check), 5);
+    EXPECT_EQ(set[6], sim::FrameKind::erase);
+}
+
+// The checks alone may go unanswered; then a late answer is given its time.
+TEST(Connect, GoesOnWithoutAnAnswerToTheLinkChecks) {
+    double took[2] = {};
+    for (const bool silent : {false, true}) {
+        SessionBench bench;
+        if (silent)
+            bench.chip.add_fault({.kind = sim::FaultKind::lose_frame,
+                                  .frame = sim::FrameKind::link_check,
+                                  .times = 0});
+        bench.load(300);
+        comDownload(bench.frm, 0);
+        expect_good_chip(bench);
+        EXPECT_TRUE(bench.flash_holds(bench.image));
+        EXPECT_EQ(frames_heard(bench, sim::FrameKind::link_check), 5);
+        took[silent] = bench.job_ms();
+    }
+    EXPECT_NEAR(took[true] - took[false], 5 * 200 + 300, 15);
 }
 
 TEST(Connect, StopsReadingTheOptionsAtOnce) {
