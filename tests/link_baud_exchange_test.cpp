@@ -17,7 +17,7 @@ TEST(BaudExchange, ATestEndsAtTheBaseBaudWhateverItsOutcome) {
     for (const bool answered : {true, false}) {
         Bench bench;
         ASSERT_EQ(bench.run(true), 0);
-        if (!answered) bench.chip.add_fault(lose_reply(FrameKind::test_baud, 0));
+        if (!answered) bench.chip.add_fault(lose_reply(FrameKind::test_baud, always));
         EXPECT_EQ(test_new_baud(bench.frm, "115200", 0xFF, 0xFD), answered);
         EXPECT_TRUE(bench.port.is_open());
         EXPECT_EQ(bench.port.settings(), "1200,n,8,1");
@@ -27,7 +27,7 @@ TEST(BaudExchange, ATestEndsAtTheBaseBaudWhateverItsOutcome) {
 TEST(BaudExchange, ATestWaits950MillisecondsForItsAnswer) {
     Bench bench;
     ASSERT_EQ(bench.run(true), 0);
-    bench.chip.add_fault(lose_reply(FrameKind::test_baud, 0));
+    bench.chip.add_fault(lose_reply(FrameKind::test_baud, always));
     const double before = bench.elapsed_ms();
     test_new_baud(bench.frm, "115200", 0xFF, 0xFD);
     // The frame's 14 bytes leave the wire before the rate changes, behind the
@@ -86,7 +86,7 @@ TEST(BaudExchange, ASetStaysAtTheNewBaudWhateverItsOutcome) {
 TEST(BaudExchange, StopEndsATestEarlyAndThePortGoesBack) {
     Bench bench;
     ASSERT_EQ(bench.run(true), 0);
-    bench.chip.add_fault(lose_reply(FrameKind::test_baud, 0));
+    bench.chip.add_fault(lose_reply(FrameKind::test_baud, always));
     bench.stop_in(300);
     const double before = bench.elapsed_ms();
     EXPECT_FALSE(test_new_baud(bench.frm, "115200", 0xFF, 0xFD));
@@ -148,7 +148,7 @@ TEST(Handshake, ASuccessInTheFourthAttemptStillFails) {
 
 TEST(Handshake, NoLowerBaudIsTriedBelowTheLowestRow) {
     ChipConfig config;
-    config.faults = {lose_reply(FrameKind::test_baud, 0)};
+    config.faults = {lose_reply(FrameKind::test_baud, always)};
     Bench bench(config);
     ASSERT_TRUE(bench.choose(bench.frm.screen.cobBaudMax, "1200"));
     bench.run();
@@ -268,7 +268,7 @@ TEST(Watchdog, AnEmptyChoiceOfThePinIsFF) {
 
 TEST(Watchdog, ARefusalClosesThePortAndIsTold) {
     ChipConfig config;
-    config.faults = {lose_reply(FrameKind::watchdog, 0)};
+    config.faults = {lose_reply(FrameKind::watchdog, always)};
     Bench bench(config);
     choose_watchdog(bench, "P3.5");
     bench.run();
@@ -292,7 +292,7 @@ TEST(Watchdog, TheThirdTryIsEnough) {
 
 TEST(Watchdog, StopIsToldAsAStop) {
     ChipConfig config;
-    config.faults = {lose_reply(FrameKind::watchdog, 0)};
+    config.faults = {lose_reply(FrameKind::watchdog, always)};
     Bench bench(config);
     choose_watchdog(bench, "P3.5");
     bench.stop_in(600);
@@ -393,7 +393,7 @@ TEST(TriggerLink, StopIsToldAtTheTriggerAndAtTheTest) {
     for (const int ms : {250, 2'500}) {
         ChipConfig config;
         if (ms == 250) config.powered_at = sim::never;
-        config.faults = {lose_reply(FrameKind::test_baud, 0)};
+        config.faults = {lose_reply(FrameKind::test_baud, always)};
         Bench bench(config);
         bench.frm.screen.cheTL.Value = 1;
         bench.stop_in(ms);

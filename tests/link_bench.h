@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "link/handshake.h"
+#include "support/chip_faults.h"
 #include "support/virtual_bench.h"
 
 namespace vkm::test {
@@ -42,20 +43,6 @@ struct LinkBench : VirtualBench {
             frm.link.stop_requested = true;
             stopped_at = elapsed_ms();
         });
-    }
-
-    // Frames of a kind that the chip heard.
-    int heard(FrameKind kind) const {
-        int count = 0;
-        for (const sim::LoggedFrame& frame : chip.log())
-            count += !frame.from_chip && frame.kind == kind;
-        return count;
-    }
-    Bytes last_heard(FrameKind kind) const {
-        Bytes bytes;
-        for (const sim::LoggedFrame& frame : chip.log())
-            if (!frame.from_chip && frame.kind == kind) bytes = frame.bytes;
-        return bytes;
     }
 
     // The link works at the end: the port is open at the rate that the chip has.
@@ -98,24 +85,6 @@ struct LinkBench : VirtualBench {
     double took = 0;
     double stopped_at = -1;
 };
-
-inline Fault lose_reply(FrameKind frame, int times, int nth = 1) {
-    Fault fault;
-    fault.kind = FaultKind::lose_reply;
-    fault.frame = frame;
-    fault.nth = nth;
-    fault.times = times;
-    return fault;
-}
-
-inline Fault fault_of(FaultKind kind, FrameKind frame, std::int64_t value, int times = 1) {
-    Fault fault;
-    fault.kind = kind;
-    fault.frame = frame;
-    fault.value = value;
-    fault.times = times;
-    return fault;
-}
 
 struct LetterRow {
     const char* model;

@@ -43,7 +43,7 @@ TEST(Handshake, StopAtAnyMomentIsToldOnceAndEndsSoon) {
 
 TEST(Handshake, StopWhileTheChipDoesNotAnswerTheTest) {
     ChipConfig config;
-    config.faults = {lose_reply(FrameKind::test_baud, 0)};
+    config.faults = {lose_reply(FrameKind::test_baud, always)};
     for (std::int64_t ms = 300; ms < 12'000; ms += 371) {
         Bench bench(config);
         bench.stop_in(ms);

@@ -426,7 +426,7 @@ TEST(Handshake, EnglishTextsAreSelectable) {
               "\r\nOpen COM port failure!"
               "\r\nThe COM port opened by another Program or no the COM port.");
     ChipConfig config;
-    config.faults = {lose_reply(FrameKind::test_baud, 0)};
+    config.faults = {lose_reply(FrameKind::test_baud, always)};
     Bench failing(config);
     failing.frm.screen.Show_English = true;
     failing.run();
@@ -438,7 +438,7 @@ TEST(Handshake, EnglishTextsAreSelectable) {
     stopped.stop_in(100);
     stopped.run();
     EXPECT_EQ(stopped.log(), "\r\nOperation is stop. ");
-    config.faults = {lose_reply(FrameKind::watchdog, 0)};
+    config.faults = {lose_reply(FrameKind::watchdog, always)};
     Bench refusing(config);
     refusing.frm.screen.Show_English = true;
     choose_watchdog(refusing, "P3.5");

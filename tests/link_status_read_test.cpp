@@ -50,7 +50,7 @@ TEST(ReadLock, FourReadsOfThreeTriesAreMade) {
 TEST(ReadLock, StopDuringTheStatusReadIsTold) {
     Bench bench({.model = "VKM47H58RK+",
                  .status_length = 24,
-                 .faults = {lose_reply(FrameKind::status_read, 0)}});
+                 .faults = {lose_reply(FrameKind::status_read, always)}});
     bench.stop_in(1'000);
     bench.run(true);
     bench.expect_stop_told();
@@ -142,7 +142,7 @@ TEST(StatusRead, TurnsReceivingOn) {
 
 TEST(StatusRead, ThreeTriesOf900MillisecondsThenNothingIsChanged) {
     ConnectedBench bench;
-    bench.chip.add_fault(lose_reply(FrameKind::status_read, 0));
+    bench.chip.add_fault(lose_reply(FrameKind::status_read, always));
     bench.frm.options.Chip_Bytes.fill(-7);
     bench.frm.link.Status_Read_OK = true;
     const double before = bench.elapsed_ms();
@@ -156,7 +156,7 @@ TEST(StatusRead, ThreeTriesOf900MillisecondsThenNothingIsChanged) {
 
 TEST(StatusRead, StopEndsEachTryAtItsFirstPoll) {
     ConnectedBench bench;
-    bench.chip.add_fault(lose_reply(FrameKind::status_read, 0));
+    bench.chip.add_fault(lose_reply(FrameKind::status_read, always));
     bench.stop_in(100);
     const double before = bench.elapsed_ms();
     Read_Chip_Status(bench.frm, 0);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "session/download_session.h"
+#include "support/chip_faults.h"
 #include "support/virtual_bench.h"
 #include "waiting/waiting.h"
 
@@ -37,13 +38,6 @@ struct SessionBench : VirtualBench {
 
     void click_stop_in(std::int64_t ms) {
         at(ms, [this] { comStop_Download(frm); });
-    }
-
-    bool flash_holds(std::span<const std::uint8_t> bytes, std::size_t address = 0) const {
-        const auto flash = chip.flash();
-        return address + bytes.size() <= flash.size() &&
-               std::equal(bytes.begin(), bytes.end(),
-                          flash.begin() + static_cast<std::ptrdiff_t>(address));
     }
 
     double job_ms() const { return elapsed_ms() - start_ms; }

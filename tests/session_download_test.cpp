@@ -297,13 +297,6 @@ TEST(Download, ReturnsToTheLockedStateThatItCameFrom) {
 
 // ---- connecting ---------------------------------------------------------------------
 
-std::ptrdiff_t frames_heard(const SessionBench& bench, sim::FrameKind kind) {
-    const auto& log = bench.chip.log();
-    return std::count_if(log.begin(), log.end(), [kind](const sim::LoggedFrame& frame) {
-        return !frame.from_chip && frame.kind == kind;
-    });
-}
-
 TEST(Connect, WaitsForPowerAsLongAsItTakes) {
     SessionBench bench({.powered_at = sim::never});
     bench.load(300);
@@ -341,16 +334,13 @@ TEST(Connect, TakesTheOptionsOfAStatusThatHasThem) {
     SessionBench bench({.model = "VKM47H58RK"});
     bench.load(300);
     comDownload(bench.frm, 0);
-    for (const sim::LoggedFrame& frame : bench.chip.take_log())
-        EXPECT_NE(frame.kind, sim::FrameKind::status_read);
+    EXPECT_EQ(bench.heard(sim::FrameKind::status_read), 0);
 }
 
 TEST(Connect, FailsWhenTheOptionsCantBeRead) {
     SessionBench bench({.model = "VKM47H58RK",
                         .status_length = 24,
-                        .faults = {{.kind = sim::FaultKind::lose_frame,
-                                    .frame = sim::FrameKind::status_read,
-                                    .times = 0}}});
+                        .faults = {lose_frame(sim::FrameKind::status_read, always)}});
     bench.load(300);
     comDownload(bench.frm, 0);
     expect_failed_at(bench, "Read options / 读选项");
@@ -364,12 +354,10 @@ TEST(Connect, ReadsTheOptionsInFourTimesThreeTries) {
         SCOPED_TRACE(lost);
         SessionBench bench({.model = "VKM47H58RK",
                             .status_length = 24,
-                            .faults = {{.kind = sim::FaultKind::lose_frame,
-                                        .frame = sim::FrameKind::status_read,
-                                        .times = lost}}});
+                            .faults = {lose_frame(sim::FrameKind::status_read, lost)}});
         bench.load(300);
         comDownload(bench.frm, 0);
-        EXPECT_EQ(frames_heard(bench, sim::FrameKind::status_read), 12);
+        EXPECT_EQ(bench.heard(sim::FrameKind::status_read), 12);
         if (lost == 11)
             expect_good_chip(bench);
         else
@@ -396,15 +384,12 @@ TEST(Connect, GoesOnWithoutAnAnswerToTheLinkChecks) {
     double took[2] = {};
     for (const bool silent : {false, true}) {
         SessionBench bench;
-        if (silent)
-            bench.chip.add_fault({.kind = sim::FaultKind::lose_frame,
-                                  .frame = sim::FrameKind::link_check,
-                                  .times = 0});
+        if (silent) bench.chip.add_fault(lose_frame(sim::FrameKind::link_check, always));
         bench.load(300);
         comDownload(bench.frm, 0);
         expect_good_chip(bench);
         EXPECT_TRUE(bench.flash_holds(bench.image));
-        EXPECT_EQ(frames_heard(bench, sim::FrameKind::link_check), 5);
+        EXPECT_EQ(bench.heard(sim::FrameKind::link_check), 5);
         took[silent] = bench.job_ms();
     }
     EXPECT_NEAR(took[true] - took[false], 5 * 200 + 300, 15);
@@ -413,9 +398,7 @@ TEST(Connect, GoesOnWithoutAnAnswerToTheLinkChecks) {
 TEST(Connect, StopsReadingTheOptionsAtOnce) {
     SessionBench bench({.model = "VKM47H58RK",
                         .status_length = 24,
-                        .faults = {{.kind = sim::FaultKind::lose_frame,
-                                    .frame = sim::FrameKind::status_read,
-                                    .times = 0}}});
+                        .faults = {lose_frame(sim::FrameKind::status_read, always)}});
     bench.load(300);
     bench.click_stop_in(3000);
     comDownload(bench.frm, 0);
@@ -571,10 +554,6 @@ TEST(Plan, WarnsOfABlock0ThatMayNotBeWrittenAndGoesOn) {
 
 // ---- erase -----------------------------------------------------------------------------------
 
-sim::Fault lost(sim::FrameKind frame, int times = 1, int nth = 1) {
-    return {.kind = sim::FaultKind::lose_frame, .frame = frame, .nth = nth, .times = times};
-}
-
 TEST(Erase, IsSkippedByFirmwareUpTo02) {
     for (int version : {0x00, 0x01, 0x02}) {
         SessionBench bench({.model = "VKM47H58RK", .version = version});
@@ -600,7 +579,7 @@ TEST(Erase, MeasuresItsTime) {
 }
 
 TEST(Erase, IsTriedThreeTimes) {
-    SessionBench bench({.faults = {lost(sim::FrameKind::erase, 2)}});
+    SessionBench bench({.faults = {lose_frame(sim::FrameKind::erase, 2)}});
     bench.load(300);
     comDownload(bench.frm, 0);
     expect_good_chip(bench);
@@ -608,7 +587,7 @@ TEST(Erase, IsTriedThreeTimes) {
 }
 
 TEST(Erase, WithoutAnAnswerInThreeTriesFailsTheJob) {
-    SessionBench bench({.faults = {lost(sim::FrameKind::erase, 0)}});
+    SessionBench bench({.faults = {lose_frame(sim::FrameKind::erase, always)}});
     bench.load(300);
     comDownload(bench.frm, 0);
     expect_failed_at(bench, "Erase / 擦除");
@@ -741,7 +720,8 @@ TEST(Programming, BeginsWhereTheImageBegins) {
 
 TEST(Programming, ARetriedBlockBeginsWithCommand30) {
     // The third frame of the second block isn't answered, once.
-    SessionBench bench({.model = "VKM47H58RK+", .faults = {lost(sim::FrameKind::block, 1, 7)}});
+    SessionBench bench(
+        {.model = "VKM47H58RK+", .faults = {lose_frame(sim::FrameKind::block, 1, 7)}});
     bench.load(1200);
     comDownload(bench.frm, 0);
     expect_good_chip(bench);
@@ -790,7 +770,7 @@ TEST(Programming, SurvivesFiveFailuresInARowAndNoSixth) {
 TEST(Programming, ABlockThatSucceedsForgivesTheFailuresBefore) {
     sim::FaultPlan faults;
     // Five failures in each of three blocks, a success between them.
-    for (int nth : {1, 10, 19}) faults.push_back(lost(sim::FrameKind::block, 5, nth));
+    for (int nth : {1, 10, 19}) faults.push_back(lose_frame(sim::FrameKind::block, 5, nth));
     SessionBench bench({.model = "VKM47H58RK+", .faults = faults});
     bench.load(2000);
     comDownload(bench.frm, 0);
@@ -801,7 +781,7 @@ TEST(Programming, ABlockThatSucceedsForgivesTheFailuresBefore) {
 TEST(Programming, TriesASingleBlockThreeTimes) {
     for (int losses : {2, 3}) {
         SessionBench bench(
-            {.model = "VKM47H58RK+", .faults = {lost(sim::FrameKind::block, losses)}});
+            {.model = "VKM47H58RK+", .faults = {lose_frame(sim::FrameKind::block, losses)}});
         bench.load(0x80, 0x400);
         comDownload(bench.frm, 0);
         if (losses == 2) {
@@ -1208,7 +1188,7 @@ TEST(ReDownload, GoesOnAtOnceWithADelayOfZero) {
 
 TEST(ReDownload, EndsTheSeriesAtTheFirstFailure) {
     SessionBench bench({.after_start = {.power_cycle = true, .fresh_chip = true},
-                        .faults = {lost(sim::FrameKind::erase, 0, 2)}});
+                        .faults = {lose_frame(sim::FrameKind::erase, always, 2)}});
     bench.choose(bench.frm.screen.comDalay_ReDownLoad, "1");
     bench.load(10);
     comDownload(bench.frm, 1);

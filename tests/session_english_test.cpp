@@ -6,10 +6,6 @@
 namespace vkm::test {
 namespace {
 
-sim::Fault always_lost(sim::FrameKind frame) {
-    return {.kind = sim::FaultKind::lose_frame, .frame = frame, .times = 0};
-}
-
 struct EnglishBench : SessionBench {
     explicit EnglishBench(const sim::ChipConfig& config = {}, const std::string& model = {})
         : SessionBench(config, model) {
@@ -19,7 +15,7 @@ struct EnglishBench : SessionBench {
 };
 
 TEST(English, ErasingThatFailsNamesTheTimeAndTheLowerBaud) {
-    EnglishBench bench({.faults = {always_lost(sim::FrameKind::erase)}});
+    EnglishBench bench({.faults = {lose_frame(sim::FrameKind::erase, always)}});
     bench.load(300);
     comDownload(bench.frm, 0);
     EXPECT_TRUE(ends_with(bench.log_without_times(),
@@ -31,7 +27,7 @@ TEST(English, ErasingThatFailsNamesTheTimeAndTheLowerBaud) {
 }
 
 TEST(English, ProgrammingThatFailsNamesTheTimeAndTheLowerBaud) {
-    EnglishBench bench({.faults = {always_lost(sim::FrameKind::block)}});
+    EnglishBench bench({.faults = {lose_frame(sim::FrameKind::block, always)}});
     bench.load(300);
     comDownload(bench.frm, 0);
     EXPECT_TRUE(ends_with(bench.log_without_times(),
@@ -45,7 +41,7 @@ TEST(English, ProgrammingThatFailsNamesTheTimeAndTheLowerBaud) {
 TEST(English, OptionsThatCantBeReadFailTheHandshake) {
     EnglishBench bench({.model = "VKM47H58RK",
                         .status_length = 24,
-                        .faults = {always_lost(sim::FrameKind::status_read)}});
+                        .faults = {lose_frame(sim::FrameKind::status_read, always)}});
     bench.load(300);
     comDownload(bench.frm, 0);
     EXPECT_TRUE(ends_with(bench.log_without_times(),
@@ -63,9 +59,10 @@ TEST(English, AStopIsToldInEveryStep) {
     const Step steps[] = {
         {{.model = "VKM47H58RK",
           .status_length = 24,
-          .faults = {always_lost(sim::FrameKind::status_read)}},
+          .faults = {lose_frame(sim::FrameKind::status_read, always)}},
          "We are trying to program ..."},
-        {{.faults = {always_lost(sim::FrameKind::erase)}}, "We are erasing application flash..."},
+        {{.faults = {lose_frame(sim::FrameKind::erase, always)}},
+         "We are erasing application flash..."},
         {{.block_time = std::chrono::milliseconds(50)}, " )"},
     };
     for (const Step& step : steps) {

@@ -19,10 +19,6 @@ std::vector<std::uint8_t> pattern(std::size_t count) {
     return bytes;
 }
 
-bool flash_holds(const VirtualBench& bench, const std::vector<std::uint8_t>& bytes) {
-    return std::equal(bytes.begin(), bytes.end(), bench.chip.flash().begin());
-}
-
 TEST(VirtualBenchTest, AFileGoesIntoAChip) {
     VirtualBench bench({.model = "VKM47H58RK+"});
     ASSERT_TRUE(bench.select_model("VKM47H58RK+"));
@@ -30,7 +26,7 @@ TEST(VirtualBenchTest, AFileGoesIntoAChip) {
     bench.load_bytes(image);
     comDownload(bench.frm, 0);
     EXPECT_TRUE(bench.frm.session.Program_OK) << bench.story();
-    EXPECT_TRUE(flash_holds(bench, image));
+    EXPECT_TRUE(bench.flash_holds(image));
     EXPECT_FALSE(bench.port.is_open());
 }
 
@@ -43,7 +39,7 @@ TEST(VirtualBenchTest, AJobOfSixtyKilobytesTakesItsWireTimeInVirtualTimeAndHardl
     comDownload(bench.frm, 0);
     const double seconds = static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
     EXPECT_TRUE(bench.frm.session.Program_OK) << bench.story();
-    EXPECT_TRUE(flash_holds(bench, image));
+    EXPECT_TRUE(bench.flash_holds(image));
     // 60000 bytes at 115200 baud are 5.2 s on the wire.
     EXPECT_GT(bench.elapsed_ms(), 5'200);
     EXPECT_LT(bench.elapsed_ms(), 30'000);
@@ -62,7 +58,7 @@ TEST(VirtualBenchTest, AChipThatGetsPowerLaterIsWaitedFor) {
     bench.power_on_in(3000);
     comDownload(bench.frm, 0);
     EXPECT_TRUE(bench.frm.session.Program_OK) << bench.story();
-    EXPECT_TRUE(flash_holds(bench, image));
+    EXPECT_TRUE(bench.flash_holds(image));
     EXPECT_GT(bench.elapsed_ms(), 3000);
 }
 
@@ -87,7 +83,7 @@ TEST(VirtualBenchTest, AJobSucceedsOnASlowMachineWithASlowAdapterToo) {
     bench.load_bytes(image);
     comDownload(bench.frm, 0);
     EXPECT_TRUE(bench.frm.session.Program_OK) << bench.story();
-    EXPECT_TRUE(flash_holds(bench, image));
+    EXPECT_TRUE(bench.flash_holds(image));
 }
 
 TEST(VirtualBenchTest, APortThatDoesNotWaitForItsOutputIsFoundOutByAJob) {
@@ -123,7 +119,7 @@ class FaultSweep : public testing::TestWithParam<PortFault> {
             comDownload(bench.frm, 0);
             const auto& session = bench.frm.session;
             if (session.Program_OK)
-                EXPECT_TRUE(flash_holds(bench, image)) << bench.story();
+                EXPECT_TRUE(bench.flash_holds(image)) << bench.story();
             else if (bench.elapsed_ms() > 60'000)
                 ++count.stopped;
             else

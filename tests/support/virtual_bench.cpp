@@ -46,6 +46,27 @@ void VirtualBench::load_data_bytes(std::span<const std::uint8_t> bytes, std::int
     fill_image(frm, frm.images.Data_Buffer, "Data_File", data_buffer_size, bytes, address);
 }
 
+int VirtualBench::heard(sim::FrameKind kind) const {
+    int count = 0;
+    for (const sim::LoggedFrame& frame : chip.log())
+        count += !frame.from_chip && frame.kind == kind;
+    return count;
+}
+
+std::vector<std::uint8_t> VirtualBench::last_heard(sim::FrameKind kind) const {
+    std::vector<std::uint8_t> bytes;
+    for (const sim::LoggedFrame& frame : chip.log())
+        if (!frame.from_chip && frame.kind == kind) bytes = frame.bytes;
+    return bytes;
+}
+
+bool VirtualBench::flash_holds(std::span<const std::uint8_t> bytes, std::size_t address) const {
+    const auto flash = chip.flash();
+    return address + bytes.size() <= flash.size() &&
+           std::equal(bytes.begin(), bytes.end(),
+                      flash.begin() + static_cast<std::ptrdiff_t>(address));
+}
+
 std::string VirtualBench::story() const {
     std::string text = log();
     for (const std::string& fault : chip.faults()) text += "\nchip: " + fault;

@@ -16,6 +16,7 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "simulators/simulated_chip.h"
 #include "support/virtual_world.h"
@@ -50,6 +51,13 @@ struct VirtualBench : VirtualWorld {
     void power_off_in(std::int64_t ms) {
         at(ms, [this] { chip.power_off(loop.now()); });
     }
+
+    // The frames of a kind that the chip has heard: how many, and the last one.
+    int heard(sim::FrameKind kind) const;
+    std::vector<std::uint8_t> last_heard(sim::FrameKind kind) const;
+
+    // The chip's flash has these bytes from the address on.
+    bool flash_holds(std::span<const std::uint8_t> bytes, std::size_t address = 0) const;
 
     // The log, and what the chip had to object to: for the message of a failed test.
     std::string story() const;
