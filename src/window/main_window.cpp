@@ -60,7 +60,7 @@ void Load(frmMain& frm) {
     Clear_Flags(frm);
     Start_Values(frm.screen);
     run_plug(frm, frm.increase.Read_Auto_Increase);
-    if (frm.increase.cheAuto_Increase_Click) frm.increase.cheAuto_Increase_Click(frm);
+    run_plug(frm, frm.increase.cheAuto_Increase_Click);
     Reset_Buffer(frm, 0, frm.images.AP_Buffer);
     Reset_Buffer(frm, 0, frm.images.Data_Buffer);
     Set_UI_State(frm, 0);
