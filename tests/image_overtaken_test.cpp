@@ -29,6 +29,13 @@ void expect_other_file(ImageWorld& world) {
 
 struct OvertakenWorld : ImageWorld {
     OvertakenWorld() { files.add("/b.hex", hex_file(0x200, pattern(8))); }
+    // One line of a gigabyte.
+    const MemoryFile& huge_line(const char* path) {
+        MemoryFile& huge = files.add(path, std::string_view(":"));
+        huge.size = 1u << 30;
+        huge.rest = '0';
+        return huge;
+    }
     void other_file_at(std::int64_t ms) {
         at(ms, [this] { Load_File(frm, "/b.hex", program()); });
     }
@@ -77,9 +84,7 @@ TEST(Overtaken, InsideAHugeLineALoadReadsNoFurther) {
     for (const char* path : {"/huge.hex", "/huge.txt"}) {
         SCOPED_TRACE(path);
         OvertakenWorld world;
-        MemoryFile& huge = world.files.add(path, std::string_view(":"));
-        huge.size = 1u << 30;
-        huge.rest = '0';
+        const MemoryFile& huge = world.huge_line(path);
         world.other_file_at(0);
         Load_File(world.frm, path, world.program());
         expect_other_file(world);
@@ -91,9 +96,7 @@ TEST(Overtaken, InsideAHugeLineByAResetLeavesAnEmptyImage) {
     for (const char* path : {"/huge.hex", "/huge.txt"}) {
         SCOPED_TRACE(path);
         OvertakenWorld world;
-        MemoryFile& huge = world.files.add(path, std::string_view(":"));
-        huge.size = 1u << 30;
-        huge.rest = '0';
+        const MemoryFile& huge = world.huge_line(path);
         world.choice_at(0);
         Load_File(world.frm, path, world.program());
         EXPECT_FALSE(world.program().Has_File);

@@ -258,15 +258,25 @@ TEST(FaultSweep, ThePortOpensNotAtTheNthTry) {
     EXPECT_GT(outcomes.good, 5);
 }
 
+// The same throws for the same seed.
+class Dice {
+  public:
+    explicit Dice(unsigned seed) : throws_(seed) {}
+    int operator()(int sides) { return static_cast<int>(throws_() % static_cast<unsigned>(sides)); }
+    const Chip& one_of(std::span<const Chip> all) {
+        return all[static_cast<std::size_t>((*this)(static_cast<int>(all.size())))];
+    }
+
+  private:
+    std::mt19937 throws_;
+};
+
 TEST(FaultSoak, ManyFaultsAtOnce) {
     Outcomes outcomes;
     for (unsigned seed = 1; seed <= 600; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
-        std::mt19937 dice(seed);
-        const auto roll = [&](int sides) {
-            return static_cast<int>(dice() % static_cast<unsigned>(sides));
-        };
-        const Chip& chip = chips[static_cast<std::size_t>(roll(static_cast<int>(chips.size())))];
+        Dice roll(seed);
+        const Chip& chip = roll.one_of(chips);
         SessionBench bench({.model = chip.chip}, chip.model);
         bench.load(static_cast<std::size_t>(200 + roll(1800)));
         const auto fault = [&] {
@@ -296,11 +306,8 @@ TEST(FaultSoak, ManyWrongAnswersAtOnce) {
     Outcomes outcomes;
     for (unsigned seed = 1; seed <= 600; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
-        std::mt19937 dice(seed);
-        const auto roll = [&](int sides) {
-            return static_cast<int>(dice() % static_cast<unsigned>(sides));
-        };
-        const Chip& chip = chips[static_cast<std::size_t>(roll(static_cast<int>(chips.size())))];
+        Dice roll(seed);
+        const Chip& chip = roll.one_of(chips);
         sim::ChipConfig config{.model = chip.chip,
                                .short_acks = roll(2) == 0,
                                .block_time = std::chrono::microseconds(500 + roll(8000)),
