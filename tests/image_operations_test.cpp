@@ -15,6 +15,7 @@ namespace {
 
 using test::Box;
 using test::BoxKind;
+using test::four_bad_lines;
 using test::hex_file;
 using test::hex_file_of_marks;
 using test::hex_record;
@@ -22,10 +23,6 @@ using test::ImageWorld;
 using test::pattern;
 
 constexpr const char* end_line = ":00000001FF\r\n";
-
-std::string as_text(const std::vector<std::uint8_t>& bytes) {
-    return std::string(bytes.begin(), bytes.end());
-}
 
 // ---- empty images -----------------------------------------------------------
 
@@ -442,9 +439,6 @@ TEST(HexFile, TellsABadEndRecordBeforeItEnds) {
     EXPECT_EQ(world.at_address(0), 0);
 }
 
-constexpr const char* four_bad_lines =
-    ":010000000100\n:010001000200\n:010002000300\n:010003000400\n:00000001FF\n";
-
 TEST(HexFile, WithThreeBadLinesAsksWhetherToGoOn) {
     ImageWorld world;
     world.dialogs.answer_yes();
@@ -845,108 +839,6 @@ TEST(View, TakesTheKeyboardWhenItsPageIsShown) {
     EXPECT_EQ(world.frm.screen.Focus_Request, "");
     vscFile_Change(world.frm, 0);
     EXPECT_EQ(world.frm.screen.Focus_Request, "txtBuffer");
-}
-
-// ---- events inside a load ---------------------------------------------------
-
-TEST(LoadFile, ThatIsOvertakenByAnotherLeavesTheOther) {
-    ImageWorld world;
-    world.files.add("/b.hex", hex_file(0x200, pattern(8)));
-    world.at(0, [&] { Load_File(world.frm, "/b.hex", world.program()); });
-    world.load(world.program(), "/a.hex", hex_file(0, pattern(1000)));
-    EXPECT_EQ(world.at_address(0), 0);
-    EXPECT_EQ(world.at_address(0x200), 1);
-    EXPECT_EQ(world.program().File_High, 0x207);
-    EXPECT_EQ(world.program().Image_High, 0x207);
-    EXPECT_TRUE(world.program().Has_File);
-    EXPECT_TRUE(world.frm.images.File_Loaded);
-    EXPECT_EQ(world.frm.screen.MousePointer, 0);
-    EXPECT_EQ(world.files.open_readers, 0);
-}
-
-TEST(LoadFile, ThatIsOvertakenByAResetLeavesAnEmptyImage) {
-    for (const char* path : {"/a.hex", "/a.bin", "/hexadecimal"}) {
-        SCOPED_TRACE(path);
-        ImageWorld world;
-        world.at(0, [&] { world.choose_model("VKM26H2052"); });
-        const std::string content =
-            std::string(path) == "/a.bin" ? as_text(pattern(3000)) : hex_file(0, pattern(3000));
-        world.load(world.program(), path, content);
-        EXPECT_EQ(world.program().Bytes, std::vector<std::uint8_t>(0x12001));
-        EXPECT_FALSE(world.program().Has_File);
-        EXPECT_FALSE(world.frm.images.File_Loaded);
-        EXPECT_EQ(world.frm.screen.txtFileCheckSum.Text, "");
-        EXPECT_EQ(world.frm.screen.MousePointer, 0);
-    }
-}
-
-TEST(LoadFile, ThatIsOvertakenBehindABoxLeavesTheOther) {
-    // A reload by a timer while the operator reads the box of the range rules, that
-    // of a bad line, or the question.
-    const std::string contents[] = {hex_file(0x4000, pattern(8)), ":0100000041BF\n",
-                                    four_bad_lines};
-    for (const std::string& content : contents) {
-        ImageWorld world("VKM47W54AD");
-        world.files.add("/b.hex", hex_file(0x200, pattern(8)));
-        world.dialogs.stays = Milliseconds(100);
-        world.at(50, [&] { Load_File(world.frm, "/b.hex", world.program()); });
-        world.load(world.program(), "/a.hex", content);
-        EXPECT_EQ(world.at_address(0x200), 1);
-        EXPECT_EQ(world.at_address(0), 0);
-        EXPECT_EQ(world.program().File_High, 0x207);
-        EXPECT_TRUE(world.frm.images.File_Loaded);
-    }
-}
-
-TEST(LoadFile, ThatIsOvertakenByAResetBehindItsBoxLeavesAnEmptyImage) {
-    ImageWorld world("VKM47W54AD");
-    world.dialogs.stays = Milliseconds(100);
-    world.at(50, [&] { Reset_Buffer(world.frm, 0, world.program()); });
-    world.load(world.program(), "/a.hex", hex_file(0x4000, pattern(8)));
-    EXPECT_FALSE(world.frm.images.File_Loaded);
-    EXPECT_FALSE(world.program().Has_File);
-    EXPECT_EQ(world.program().Image_High, 0x3FF);
-}
-
-TEST(LoadFile, TakesAStartAddressThatWasTypedWhileTheFileWasLookedAt) {
-    ImageWorld world;
-    world.at(0, [&] { world.frm.screen.txtAP_FileStart.Text = "0020"; });
-    world.load(world.program(), "/a.txt", hex_file(0, pattern(8)));
-    EXPECT_EQ(world.program().File_Low, 0x20);
-    EXPECT_EQ(world.at_address(0x20), 1);
-}
-
-TEST(LoadFile, OfTheOtherImageInsideALoadGoesItsOwnWay) {
-    ImageWorld world;
-    world.files.add("/d.bin", pattern(8));
-    world.at(0, [&] { Load_File(world.frm, "/d.bin", world.data()); });
-    world.load(world.program(), "/a.hex", hex_file(0, pattern(1000)));
-    EXPECT_EQ(world.at_address(999), pattern(1000).back());
-    EXPECT_EQ(world.data().Bytes[7], pattern(8).back());
-    EXPECT_TRUE(world.program().Has_File);
-    EXPECT_TRUE(world.data().Has_File);
-}
-
-TEST(LoadFile, ShowsAWholeImageAtEveryTurn) {
-    ImageWorld world;
-    world.load(world.program(), "/a.hex", hex_file(0, pattern(100)));
-    std::vector<std::uint8_t> seen;
-    world.at(0, [&] {
-        seen = world.program().Bytes;
-        vscFile_Change(world.frm, 0);
-    });
-    world.run_for(0);
-    seen.clear();
-    world.at(20, [&] { seen = world.program().Bytes; });
-    world.dialogs.stays = Milliseconds(50);
-    world.frm.screen.txtAP_FileStart.Text = "0200";
-    // Half of it is placed when the box of its bad line comes up.
-    world.load(world.program(), "/b.hex", hex_record(0, 0, {9}) + ":010001000200\n" + end_line);
-    ASSERT_FALSE(seen.empty());
-    EXPECT_EQ(seen[0], 1);
-    EXPECT_EQ(seen[0x200], 0);
-    EXPECT_EQ(world.at_address(0x200), 9);
-    EXPECT_EQ(world.at_address(0x201), 2);
 }
 
 }  // namespace

@@ -201,37 +201,22 @@ TEST(GapRules, CutAtTheEndOfTheDataMemory) {
 }
 
 TEST(GapRules, TellAllThreeInOneBoxInThisOrder) {
-    check({.model = "VKM26W2052AD",
-           .kind = Kind::hex,
-           .high = 0x1400,
-           .marks = {0x800, 0x1000},
-           .file_high = 0x13FF,
-           .bilingual = "无效区间 800 -- FFF 中有数据, 这些数据已被清除。\r\n\r\n"
-                        "Data Memory 空间有数据。\r\n\r\n"
-                        "文件超出最大有效空间, 超出的部分已被清除。\r\n\r\n"
-                        "\r\n                按确定继续。",
-           .english = "    File over the valid scope(800 -- FFF).\r\n"
-                      "Data Memory contain datas.\r\n\r\n"
-                      "    File over the valid scope.\r\n\r\n"
-                      "\r\n                Continue",
-           .cleared = {0x800}});
-}
-
-TEST(GapRules, TellAllThreeOfABinaryFileToo) {
-    check({.model = "VKM26W2052AD",
-           .kind = Kind::bin,
-           .high = 0x1400,
-           .marks = {0x800},
-           .file_high = 0x13FF,
-           .bilingual = "无效区间 800 -- FFF 中有数据, 这些数据已被清除。\r\n\r\n"
-                        "Data Memory 空间有数据。\r\n\r\n"
-                        "文件超出最大有效空间, 超出的部分已被清除。\r\n\r\n"
-                        "\r\n                按确定继续。",
-           .english = "    File over the valid scope(800 -- FFF).\r\n"
-                      "Data Memory contain datas.\r\n\r\n"
-                      "    File over the valid scope.\r\n\r\n"
-                      "\r\n                Continue",
-           .cleared = {0x800}});
+    // A binary file that reaches the data memory has data there, whatever they are.
+    for (const Kind kind : {Kind::hex, Kind::bin})
+        check({.model = "VKM26W2052AD",
+               .kind = kind,
+               .high = 0x1400,
+               .marks = kind == Kind::hex ? std::vector{0x800, 0x1000} : std::vector{0x800},
+               .file_high = 0x13FF,
+               .bilingual = "无效区间 800 -- FFF 中有数据, 这些数据已被清除。\r\n\r\n"
+                            "Data Memory 空间有数据。\r\n\r\n"
+                            "文件超出最大有效空间, 超出的部分已被清除。\r\n\r\n"
+                            "\r\n                按确定继续。",
+               .english = "    File over the valid scope(800 -- FFF).\r\n"
+                          "Data Memory contain datas.\r\n\r\n"
+                          "    File over the valid scope.\r\n\r\n"
+                          "\r\n                Continue",
+               .cleared = {0x800}});
 }
 
 TEST(GapRules, TellTheGapAndTheEndWithoutData) {

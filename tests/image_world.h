@@ -21,6 +21,10 @@ std::string hex_record(std::uint32_t address, std::uint8_t type,
 // A whole file of 16-byte records and an end record.
 std::string hex_file(std::uint32_t start, std::span<const std::uint8_t> data);
 
+// Its checksums are wrong: three lines are shown, then comes the question.
+inline constexpr const char* four_bad_lines =
+    ":010000000100\n:010001000200\n:010002000300\n:010003000400\n:00000001FF\n";
+
 // A file with one byte of 0x55 at each of these addresses.
 std::string hex_file_of_marks(const std::vector<std::uint32_t>& addresses);
 

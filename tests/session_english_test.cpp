@@ -1,6 +1,8 @@
 // The English half of what a session tells the operator.
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "session_bench.h"
 
 namespace vkm::test {
@@ -11,44 +13,40 @@ struct EnglishBench : SessionBench {
         : SessionBench(config, model) {
         frm.screen.Show_English = true;
     }
-    std::string log_without_times() const { return without_times(log()); }
 };
 
-TEST(English, ErasingThatFailsNamesTheTimeAndTheLowerBaud) {
-    EnglishBench bench({.faults = {lose_frame(sim::FrameKind::erase, always)}});
+void expect_told(const sim::ChipConfig& config, std::string_view log_end,
+                 std::string_view verdict) {
+    EnglishBench bench(config);
     bench.load(300);
     comDownload(bench.frm, 0);
-    EXPECT_TRUE(ends_with(bench.log_without_times(),
-                          "\r\nWe are erasing application flash..."
-                          "\r\nErase application is failed. (End: hh:mm:ss)"
-                          "\r\nTry to use the lower baud."))
-        << bench.log();
-    EXPECT_EQ(bench.verdict(), "✘ Failed: Erase");
+    EXPECT_TRUE(ends_with(without_times(bench.log()), log_end)) << bench.log();
+    EXPECT_EQ(bench.verdict(), verdict);
+}
+
+TEST(English, ErasingThatFailsNamesTheTimeAndTheLowerBaud) {
+    expect_told({.faults = {lose_frame(sim::FrameKind::erase, always)}},
+                "\r\nWe are erasing application flash..."
+                "\r\nErase application is failed. (End: hh:mm:ss)"
+                "\r\nTry to use the lower baud.",
+                "✘ Failed: Erase");
 }
 
 TEST(English, ProgrammingThatFailsNamesTheTimeAndTheLowerBaud) {
-    EnglishBench bench({.faults = {lose_frame(sim::FrameKind::block, always)}});
-    bench.load(300);
-    comDownload(bench.frm, 0);
-    EXPECT_TRUE(ends_with(bench.log_without_times(),
-                          "\r\nProgramming... ( Begin: hh:mm:ss )"
-                          "\r\nProgram is failure. (End: hh:mm:ss)"
-                          "\r\nTry to use the lower baud. "))
-        << bench.log();
-    EXPECT_EQ(bench.verdict(), "✘ Failed: Program");
+    expect_told({.faults = {lose_frame(sim::FrameKind::block, always)}},
+                "\r\nProgramming... ( Begin: hh:mm:ss )"
+                "\r\nProgram is failure. (End: hh:mm:ss)"
+                "\r\nTry to use the lower baud. ",
+                "✘ Failed: Program");
 }
 
 TEST(English, OptionsThatCantBeReadFailTheHandshake) {
-    EnglishBench bench({.model = "VKM47H58RK",
-                        .status_length = 24,
-                        .faults = {lose_frame(sim::FrameKind::status_read, always)}});
-    bench.load(300);
-    comDownload(bench.frm, 0);
-    EXPECT_TRUE(ends_with(bench.log_without_times(),
-                          "\r\nWe are trying to program ..."
-                          "\r\nHandshake is failed. (End: hh:mm:ss)"))
-        << bench.log();
-    EXPECT_EQ(bench.verdict(), "✘ Failed: Read options");
+    expect_told({.model = "VKM47H58RK",
+                 .status_length = 24,
+                 .faults = {lose_frame(sim::FrameKind::status_read, always)}},
+                "\r\nWe are trying to program ..."
+                "\r\nHandshake is failed. (End: hh:mm:ss)",
+                "✘ Failed: Read options");
 }
 
 TEST(English, AStopIsToldInEveryStep) {

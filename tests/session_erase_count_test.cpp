@@ -1,6 +1,9 @@
 // The count of sectors in the erase frame, as it goes out.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+
 #include "sent_erases.h"
 
 namespace vkm::test {

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <random>
+#include <span>
 
 #include "session_bench.h"
 #include "support/holding_line.h"

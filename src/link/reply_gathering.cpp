@@ -37,9 +37,8 @@ std::span<const std::uint8_t> first(const LinkState& link, int count) {
 }
 
 void forget(LinkState& link) {
-    link.frame_ok = false;
+    forget_reply(link);
     link.demo_frame_ok = false;
-    link.rx_count = 0;
     link.seen_46 = false;
     link.seen_B9 = false;
 }
