@@ -1,5 +1,6 @@
 // How the event loop and the boxes of the drawn window behave around an
-// operation that waits. Times are real here.
+// operation that waits. Times are real here, and the machine may stand still for
+// a while at any moment: a test waits for what must happen and not for a time.
 #include <gtest/gtest.h>
 
 #include <QEventLoop>
@@ -10,6 +11,9 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <algorithm>
+#include <functional>
+#include <utility>
 
 #include "platform/qt/monotonic.h"
 #include "platform/qt/tool.h"
@@ -20,6 +24,7 @@ namespace vkm::test {
 namespace {
 
 int ticks = 0;
+std::function<void()> at_five_ticks;
 
 class QtLoopTest : public testing::Test {
   protected:
@@ -30,9 +35,12 @@ class QtLoopTest : public testing::Test {
         for (int i = 0; i < 4; ++i) process_events(tool.frm);
     }
 
-    // A timer of the tool that counts, every 10 ms.
-    void start_ticking() {
-        tool.frm.timers.TimerDebugDisplay.Tick = [](frmMain&) { ++ticks; };
+    // A timer of the tool that counts, every 10 ms, and calls back once at five.
+    void start_ticking(std::function<void()> at_five) {
+        at_five_ticks = std::move(at_five);
+        tool.frm.timers.TimerDebugDisplay.Tick = [](frmMain&) {
+            if (++ticks == 5) at_five_ticks();
+        };
         restart_timer(tool.frm, tool.frm.timers.TimerDebugDisplay, 10);
     }
 
@@ -53,11 +61,14 @@ class QtLoopTest : public testing::Test {
 };
 
 TEST_F(QtLoopTest, AWaitEndsSoonAfterItsTime) {
-    const Instant before = monotonic_now();
-    for (int i = 0; i < 20; ++i) wait_ms(tool.frm, 5);
-    const auto took = monotonic_now() - before;
-    EXPECT_GE(took, Milliseconds(100));
-    EXPECT_LT(took, Milliseconds(400));
+    auto shortest = Instant::duration::max();
+    for (int attempt = 0; attempt < 20 && shortest >= Milliseconds(200); ++attempt) {
+        const Instant before = monotonic_now();
+        for (int i = 0; i < 20; ++i) wait_ms(tool.frm, 5);
+        shortest = std::min(shortest, monotonic_now() - before);
+        EXPECT_GE(shortest, Milliseconds(100));
+    }
+    EXPECT_LT(shortest, Milliseconds(200));
 }
 
 TEST_F(QtLoopTest, AWaitingToolSleeps) {
@@ -83,22 +94,25 @@ TEST_F(QtLoopTest, WhatComesInWhileAnOperationWaitsRunsInsideItsWait) {
 }
 
 TEST_F(QtLoopTest, TimersTickWhileALoopOfTheToolkitIsOnTheStack) {
-    start_ticking();
+    QEventLoop foreign;
+    start_ticking([&] { foreign.quit(); });
+    bool over = false;
     QTimer::singleShot(0, [&] {
-        QEventLoop foreign;
-        QTimer::singleShot(200, &foreign, &QEventLoop::quit);
+        ticks = 0;
+        QTimer::singleShot(10'000, &foreign, &QEventLoop::quit);
         foreign.exec();
+        over = true;
     });
-    wait_ms(tool.frm, 250);
+    wait_until(tool.frm, [&] { return over; });
     EXPECT_GE(ticks, 5);
 }
 
 // ---- boxes -----------------------------------------------------------------------
 
 TEST_F(QtLoopTest, TimersTickWhileABoxStands) {
-    start_ticking();
-    tool.dialogs.box_shown = [](QMessageBox& box) {
-        QTimer::singleShot(150, &box, [&box] { box.button(QMessageBox::Ok)->click(); });
+    tool.dialogs.box_shown = [&](QMessageBox& box) {
+        QTimer::singleShot(10'000, &box, &QDialog::reject);
+        start_ticking([&box] { box.button(QMessageBox::Ok)->click(); });
     };
     tool.dialogs.show_text("    Please open file./请打开文件。    ", {});
     EXPECT_GE(ticks, 5);

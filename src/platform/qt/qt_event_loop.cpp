@@ -45,17 +45,18 @@ void QtEventLoop::turn(Instant until) {
     const Instant time = now();
     const Instant wake_at = std::min(until, port_.next_departure(time));
     if (wake_at <= time)
-        QCoreApplication::processEvents();
+        process(QEventLoop::AllEvents, time + Milliseconds(watch_ms));
     else
-        sleep(wake_at);
+        process(QEventLoop::WaitForMoreEvents, wake_at);
     hand_in();
     port_called_ = false;
 }
 
-// Returns at once when the toolkit has something pending.
-void QtEventLoop::sleep(Instant until) {
+// Returns at once when the toolkit has something pending. The alarm is set for a
+// turn that doesn't wait too: what it delivers may start a loop of the toolkit.
+void QtEventLoop::process(QEventLoop::ProcessEventsFlags events, Instant until) {
     if (until != never) alarm_.start(milliseconds(until - now()));
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    QCoreApplication::processEvents(events);
     alarm_.stop();
 }
 

@@ -6,6 +6,7 @@
 // loop in time does nothing else.
 #pragma once
 
+#include <QEventLoop>
 #include <QTimer>
 #include <functional>
 
@@ -34,7 +35,7 @@ class QtEventLoop final : public EventLoop {
 
   private:
     void wake();
-    void sleep(Instant until);
+    void process(QEventLoop::ProcessEventsFlags events, Instant until);
 
     QtSerialPort& port_;
     QTimer alarm_;
