@@ -93,18 +93,27 @@ TEST_F(QtLoopTest, WhatComesInWhileAnOperationWaitsRunsInsideItsWait) {
     EXPECT_EQ(order, "(x)");
 }
 
+// Opened by a turn that doesn't wait and by one that sleeps, with timers that run
+// already and with one that only starts in there.
 TEST_F(QtLoopTest, TimersTickWhileALoopOfTheToolkitIsOnTheStack) {
-    QEventLoop foreign;
-    start_ticking([&] { foreign.quit(); });
-    bool over = false;
-    QTimer::singleShot(0, [&] {
-        ticks = 0;
-        QTimer::singleShot(10'000, &foreign, &QEventLoop::quit);
-        foreign.exec();
-        over = true;
-    });
-    wait_until(tool.frm, [&] { return over; });
-    EXPECT_GE(ticks, 5);
+    for (const int delay_ms : {0, 30}) {
+        for (const bool started_before : {true, false}) {
+            SCOPED_TRACE(testing::Message() << delay_ms << ' ' << started_before);
+            QEventLoop foreign;
+            bool over = false;
+            if (started_before) start_ticking([&] { foreign.quit(); });
+            QTimer::singleShot(delay_ms, [&] {
+                ticks = 0;
+                if (!started_before) start_ticking([&] { foreign.quit(); });
+                QTimer::singleShot(10'000, &foreign, &QEventLoop::quit);
+                foreign.exec();
+                stop_timer(tool.frm.timers.TimerDebugDisplay);
+                over = true;
+            });
+            wait_until(tool.frm, [&] { return over; });
+            EXPECT_GE(ticks, 5);
+        }
+    }
 }
 
 // ---- boxes -----------------------------------------------------------------------

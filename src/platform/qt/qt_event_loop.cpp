@@ -1,5 +1,6 @@
 #include "platform/qt/qt_event_loop.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QThread>
 #include <algorithm>
@@ -32,6 +33,8 @@ QtEventLoop::QtEventLoop(QtSerialPort& port) : port_(port) {
     alarm_.setSingleShot(true);
     alarm_.setTimerType(Qt::PreciseTimer);
     QObject::connect(&alarm_, &QTimer::timeout, &alarm_, [this] { wake(); });
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
+                     &alarm_, [this] { watch(); });
     port_.woken = [this] { port_called_ = true; };
 }
 
@@ -45,25 +48,30 @@ void QtEventLoop::turn(Instant until) {
     const Instant time = now();
     const Instant wake_at = std::min(until, port_.next_departure(time));
     if (wake_at <= time)
-        process(QEventLoop::AllEvents, time + Milliseconds(watch_ms));
+        QCoreApplication::processEvents();
     else
-        process(QEventLoop::WaitForMoreEvents, wake_at);
+        sleep(wake_at);
     hand_in();
     port_called_ = false;
 }
 
-// Returns at once when the toolkit has something pending. The alarm is set for a
-// turn that doesn't wait too: what it delivers may start a loop of the toolkit.
-void QtEventLoop::process(QEventLoop::ProcessEventsFlags events, Instant until) {
+// Returns at once when the toolkit has something pending.
+void QtEventLoop::sleep(Instant until) {
     if (until != never) alarm_.start(milliseconds(until - now()));
-    QCoreApplication::processEvents(events);
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     alarm_.stop();
 }
 
+// Called whenever the toolkit is about to sleep. In a loop of its own it may come
+// from any kind of turn and stay for minutes, so the alarm is set here and not
+// where the turn began.
+void QtEventLoop::watch() {
+    if (inside_a_loop_of_the_toolkit() && (!alarm_.isActive() || alarm_.remainingTime() > watch_ms))
+        alarm_.start(watch_ms);
+}
+
 void QtEventLoop::wake() {
-    if (!inside_a_loop_of_the_toolkit()) return;
-    run_due();
-    alarm_.start(watch_ms);
+    if (inside_a_loop_of_the_toolkit()) run_due();
 }
 
 }  // namespace vkm

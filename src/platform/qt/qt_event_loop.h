@@ -6,7 +6,6 @@
 // loop in time does nothing else.
 #pragma once
 
-#include <QEventLoop>
 #include <QTimer>
 #include <functional>
 
@@ -17,7 +16,7 @@ namespace vkm {
 
 class QtEventLoop final : public EventLoop {
   public:
-    // `port` must outlive the loop.
+    // `port` must outlive the loop; the application exists already.
     explicit QtEventLoop(QtSerialPort& port);
 
     void turn(Instant until) override;
@@ -35,7 +34,8 @@ class QtEventLoop final : public EventLoop {
 
   private:
     void wake();
-    void process(QEventLoop::ProcessEventsFlags events, Instant until);
+    void watch();
+    void sleep(Instant until);
 
     QtSerialPort& port_;
     QTimer alarm_;
