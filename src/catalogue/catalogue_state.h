@@ -17,8 +17,7 @@ struct CatalogueState {
     std::string SoftICE_File;       // trimmed SoftICE_ROM of the selected model
     bool SoftICE_Enable = false;    // it names one
 
-    // Plugs of later steps; a plug that is null is passed over.
-    void (*Arrange_Options)(frmMain&) = nullptr;        // lays out the option panel
+    // A plug of later steps; null is passed over.
     void (*Rebuild_Register_List)(frmMain&) = nullptr;  // registers of the target monitor
 };
 

@@ -3,6 +3,8 @@
 #include "catalogue/family_tree.h"
 #include "catalogue/mcu_catalogue.h"
 #include "image/image_files.h"
+#include "options/option_display.h"
+#include "options/option_panel.h"
 #include "plug.h"
 #include "text/trimming.h"
 #include "waiting/waiting.h"
@@ -45,7 +47,7 @@ void Device_Node_Click(frmMain& frm) {
     Reset_Buffer(frm, 0, frm.images.Data_Buffer);
     if (screen.txtDevice.Text.empty()) return;
     Close_Device_Tree(frm);
-    if (!Apply_Model(frm).empty()) run_plug(frm, frm.catalogue.Arrange_Options);
+    if (!Apply_Model(frm).empty()) Arrange_Options(frm);
     screen.Focus_Request = screen.txtDevice.Name;
 }
 
@@ -69,9 +71,9 @@ std::string Apply_Model(frmMain& frm) {
         run_plug(frm, catalogue.Rebuild_Register_List);
         Data_Memory_Controls(frm, true);
     }
-    run_plug(frm, frm.session.Clear_Read_Lines);
+    Clear_Read_Lines(frm);
     restart_timer(frm, frm.timers.Timer3, settle_ms);
-    run_plug(frm, catalogue.Arrange_Options);
+    Arrange_Options(frm);
     return name;
 }
 

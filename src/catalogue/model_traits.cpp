@@ -76,6 +76,14 @@ bool is_W516(std::string_view model) {
     return model == "VKM47W516AD" || model == "VKM47W516X2";
 }
 
+bool has_PCA_option(std::string_view model) {
+    constexpr std::string_view models[] = {
+        "VKM47H516PCA", "VKM47H58PCA", "VKM47H54PCA", "VKM47H52PCA",
+        "VKM47T516PCA", "VKM47T58PCA", "VKM47T54PCA", "VKM47T52PCA",
+    };
+    return std::ranges::find(models, model) != std::end(models);
+}
+
 bool is_54xx_series(std::string_view model) {
     return model == series_54xx;
 }

@@ -26,6 +26,10 @@ bool has_memory_hole(std::string_view model);
 // for the other; large firmware takes room from their program area.
 bool is_W516(std::string_view model);
 
+// One of the 47H and 47T models of family 0 with a PCA, whose option byte differs
+// from that of the others.
+bool has_PCA_option(std::string_view model);
+
 // Chosen is the collective entry series_54xx.
 bool is_54xx_series(std::string_view model);
 

@@ -13,7 +13,8 @@
 #include "link/isp_link.h"
 #include "link/link_texts.h"
 #include "link/status_frame.h"
-#include "plug.h"
+#include "options/mcu_options.h"
+#include "options/option_display.h"
 #include "text/numbers.h"
 #include "text/trimming.h"
 #include "waiting/waiting.h"
@@ -187,7 +188,7 @@ bool find_chip_model(frmMain& frm, const StatusFrame& status) {
 }
 
 void compose_options(frmMain& frm) {
-    run_plug(frm, frm.link.Compose_Options);
+    Compose_Options(frm);
     frm.options.Chip_Bytes[word_16] = frm.options.Option_Bytes[0][word_16];
 }
 
@@ -199,9 +200,8 @@ void keep_chip_bytes(frmMain& frm, std::span<const int> words,
 
 void show_options(frmMain& frm, std::uint8_t version, std::uint8_t letter, std::uint8_t option,
                   std::int16_t flag) {
-    const LinkState& link = frm.link;
-    run_plug(frm, link.Show_Chip_Info, version, letter, option);
-    run_plug(frm, link.Show_Panel_Lines, version, letter, option, flag);
+    Show_Chip_Info(frm, version, letter, option);
+    Show_Panel_Lines(frm, version, letter, option, flag);
 }
 
 void take_firmware_and_options(frmMain& frm, const StatusFrame& status) {
@@ -209,7 +209,7 @@ void take_firmware_and_options(frmMain& frm, const StatusFrame& status) {
     Set_Chip_Version(frm, status.version);
     compose_options(frm);
     keep_chip_bytes(frm, option_words(status.letter), status.options);
-    run_plug(frm, frm.link.Read_All_Options);
+    Read_All_Options(frm);
     show_options(frm, status.version, status.letter, status.option, 0);
 }
 
@@ -384,8 +384,8 @@ void Read_Chip_Status(frmMain& frm, std::int16_t flag) {
     const StatusReply reply = decode_status_reply(link.rx_frame);
     const std::span<const int> words = option_words_of_family(frm.catalogue.MCU_Info.MCU_Family);
     keep_chip_bytes(frm, words, reply.options);
-    if (!words.empty()) run_plug(frm, link.Read_All_Options);
-    run_plug(frm, link.Compose_Options);
+    if (!words.empty()) Read_All_Options(frm);
+    Compose_Options(frm);
     link.Chip_Letter = letter_text(reply.letter);
     Set_Chip_Version(frm, reply.version);
     show_options(frm, reply.version, reply.letter, reply.option, flag);

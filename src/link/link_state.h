@@ -77,13 +77,6 @@ struct LinkState {
     // Filled by src/window at start-up; a plug that is null is passed over.
     void (*Receive_Event)(frmMain&) = nullptr;     // on_port_event, for the event loop
     bool (*Check_Model)(frmMain&) = nullptr;       // the chip fits the selected model
-    void (*Compose_Options)(frmMain&) = nullptr;   // panel to Option_Bytes
-    void (*Read_All_Options)(frmMain&) = nullptr;  // Chip_Bytes to read-back states
-    // Read-back display; letter and option byte, then with version byte and flag.
-    void (*Show_Chip_Info)(frmMain&, std::uint8_t version, std::uint8_t letter,
-                           std::uint8_t option) = nullptr;
-    void (*Show_Panel_Lines)(frmMain&, std::uint8_t version, std::uint8_t letter,
-                             std::uint8_t option, std::int16_t flag) = nullptr;
     void (*Monitor_Bytes)(frmMain&, const std::vector<std::uint8_t>&) = nullptr;  // debug_mode
 };
 

@@ -6,12 +6,19 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "options/option_row.h"
 
 namespace vkm {
 
 inline constexpr int option_byte_count = 17;  // byte numbers 0 to 16
+inline constexpr int option_group_count = 8;
 
 struct OptionsState {
+    // The schema, filled once; its states and one read-back text change later.
+    std::array<std::vector<Option_Row>, option_group_count> MCU_Options;
+
     // Column 0 the byte as it goes to the chip, 1 AND mask, 2 OR mask, 3 unused.
     std::array<std::array<std::int16_t, option_byte_count>, 4> Option_Bytes{};
     // The bytes as read from the chip, by byte number.

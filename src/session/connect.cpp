@@ -1,7 +1,7 @@
 // The connect step: from a click to a chip that fits the model and waits for work.
 #include "link/handshake.h"
 #include "link/isp_link.h"
-#include "plug.h"
+#include "options/option_display.h"
 #include "session/chip_checks.h"
 #include "session/download_session.h"
 #include "session/session_report.h"
@@ -66,7 +66,7 @@ void show_baud(frmMain& frm, std::int32_t baud) {
 
 // True when the chip is ready for work; otherwise the session has to end.
 bool connect(frmMain& frm, bool ReadChipLock_just) {
-    run_plug(frm, frm.session.Clear_Read_Lines);
+    Clear_Read_Lines(frm);
     report(frm, session_text::connecting);
     std::int32_t baud = 0;
     if (handshake(frm, baud, ReadChipLock_just) != 0) {

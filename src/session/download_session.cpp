@@ -12,6 +12,7 @@
 #include "session/session_report.h"
 #include "session/session_texts.h"
 #include "session/verdict.h"
+#include "session/write_options.h"
 #include "text/numbers.h"
 #include "waiting/waiting.h"
 
@@ -54,8 +55,7 @@ void patch_touched_numbers(frmMain& frm) {
 }
 
 void begin_session(frmMain& frm) {
-    if (frm.session.UI_State == 0) Set_UI_State(frm, 1);
-    if (frm.session.UI_State == 2) Set_UI_State(frm, 3);
+    Set_UI_Busy(frm);
     frm.session.Chunk_Size = frame_payload;
     frm.link.stop_requested = false;
     frm.session.Download_Plan = {};
@@ -126,8 +126,7 @@ bool program(frmMain& frm) {
 bool write_options(frmMain& frm) {
     if (frm.catalogue.MCU_Info.MCU_Family == 1) return true;
     frm.link.Status_Read_OK = false;
-    if (!frm.session.Write_Options) return true;
-    frm.session.Write_Options(frm);
+    Write_Options(frm);
     if (frm.link.frame_ok) return true;
     job_failed(frm, session_text::step_write_options);
     return false;
@@ -237,7 +236,7 @@ void comStop_Download(frmMain& frm) {
     frm.platform.port.clear_input();
     frm.platform.port.clear_output();
     close_port(frm);
-    if (frm.session.Project_Lock) run_plug(frm, frm.session.Lock_Options);
+    if (frm.session.Project_Lock) comLockOptions(frm);
     if (frm.session.UI_State == 1) Set_UI_State(frm, 0);
     if (frm.session.UI_State == 3) Set_UI_State(frm, 2);
 }

@@ -43,9 +43,16 @@ void Show_Clock(frmMain& frm);
 enum class Progress { down_load, fill_grid, hide };
 void Show_Progress(frmMain& frm, Progress mode);
 
-// Stores the state and enables the controls by it: 0 idle, 1 busy, 2 idle with
-// options locked, 3 busy with options locked.
+// Stores the state and enables the controls and the option panel by it: 0 idle,
+// 1 busy, 2 idle with options locked, 3 busy with options locked.
 void Set_UI_State(frmMain& frm, std::int16_t state);
+
+// A session begins: 0 becomes 1, 2 becomes 3.
+void Set_UI_Busy(frmMain& frm);
+
+// The operator freezes the options, and frees them again.
+void comLockOptions(frmMain& frm);
+void comUnlockOptions(frmMain& frm);
 
 // comClear_OK_Count: the counter back to 0, saved at once.
 void comClear_OK_Count(frmMain& frm);

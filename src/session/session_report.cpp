@@ -11,8 +11,12 @@ void report(frmMain& frm, const MessageText& message) {
     scroll_log_to_end(frm.screen);
 }
 
+std::string with_time_of_day(const frmMain& frm, std::string_view text) {
+    return std::string(text) + frm.platform.wall_clock.time_of_day() + ")";
+}
+
 std::string with_time_of_day(const frmMain& frm, const MessageText& text) {
-    return std::string(chosen_text(frm.screen, text)) + frm.platform.wall_clock.time_of_day() + ")";
+    return with_time_of_day(frm, chosen_text(frm.screen, text));
 }
 
 void report_stop(frmMain& frm) {

@@ -59,10 +59,6 @@ struct SessionState {
     // Plugs of later steps; a plug that is null is passed over.
     void (*Close_Assistant_Port)(frmMain&) = nullptr;
     void (*Open_Assistant_Port)(frmMain&) = nullptr;
-    void (*Clear_Read_Lines)(frmMain&) = nullptr;     // lock labels LabLock
-    void (*Write_Options)(frmMain&) = nullptr;        // leaves its result in frame_ok
-    void (*Apply_Option_Enable)(frmMain&) = nullptr;  // option panel after a change of UI_State
-    void (*Lock_Options)(frmMain&) = nullptr;         // comLockOptions
 };
 
 }  // namespace vkm

@@ -69,6 +69,51 @@ inline constexpr std::string_view cut_at_CN[] = {
 inline constexpr std::string_view cut_note[] = {"(Downloaded ", "K only)"};
 inline constexpr std::string_view cut_note_CN = "(有一部分数据未下载)。";
 
+// ---- option bytes ----
+inline constexpr MessageText options_ok = {"Config option OK. ",
+                                           "Config option OK. / 设置选项成功。"};
+inline constexpr MessageText options_failed = {"Config option are error!",
+                                               "Config option are error! / 设置选项失败。"};
+inline constexpr std::string_view double_speed_done = "Lock Chip, set 6 Clock OK/双倍速成功";
+inline constexpr MessageText read_version_ok = {"Read MCU Firmware Version OK.",
+                                                "Read MCU Firmware Version OK. / 读版本号成功."};
+inline constexpr MessageText read_options_ok = {"Read Chip Lock OK. ",
+                                                "Read Chip Lock OK. / 读选项成功."};
+inline constexpr MessageText read_options_failed = {"Failed to read Options.",
+                                                    "Failed to read Options. / 读选项失败."};
+
+// ---- a chip that stays silent ----
+inline constexpr std::string_view advice[] = {
+    "Connection is failure. You can try:",
+    " 1.Give your MCU Power On Reset.",
+    " 2.Stop operation, then re-select COM Port.",
+    " 3.Because PLCC-DIP/PQFP-DIP Socket trace too long.",
+    " 4.Update the VKM ISP.exe version.",
+    " 5.If still error, your MCU Firmware is error",
+    "   or null.",
+};
+inline constexpr std::string_view advice_CN[] = {
+    "Chinese:连接失败，请尝试以下操作：",
+    " 1.给 MCU/单片机上电复位(冷启动，先没有电，再上电)。",
+    " 2.停止下载，重新选择 RS-232 串口, 接好电缆。",
+    " 3.因 PLCC、PQFP 转换座引线过长而引起时钟振荡不对，请调整参数。",
+    " 4.可能要升级电脑端的 VKM ISP.exe 软件。",
+    " 5.若仍然不成功，可能 MCU/单片机内无 ISP 系统引导码，",
+    "   或需退回升级，或 MCU 已损坏。",
+    " 仍在连接中, 请给 MCU 上电...",
+};
+// Over the link of a user's own ISP program.
+inline constexpr std::string_view demo_advice[] = {
+    "连接失败，请尝试以下操作：",
+    " 1.重新选择 RS-232 串口, 接好电缆，打开电源。",
+    " 2.检查波特率、奇偶位、数据位、停止位是否正确。",
+    " 3.因 PLCC、PQFP 转换座引线过长而引起时钟振荡不对，请调整参数。",
+    " 4.可能要升级电脑端的 VKM ISP.exe 软件。",
+    " 5.若仍然不成功，可能 MCU/单片机内无 ISP 系统引导码，",
+    "   或需退回升级，或 MCU 已损坏。",
+    " 仍在连接中, 请给 MCU 上电...",
+};
+
 // ---- the verdict beside the counter: a sign, so that it never speaks by colour alone ----
 inline constexpr MessageText verdict_running = {"… Running", "… Running / 正在进行"};
 inline constexpr MessageText verdict_done = {"✔ OK", "✔ OK / 成功"};

@@ -1,11 +1,14 @@
 #include <string_view>
 
+#include "catalogue/model_selection.h"
 #include "image/image_files.h"
-#include "plug.h"
+#include "options/option_panel.h"
 #include "session/download_session.h"
 
 namespace vkm {
 namespace {
+
+enum State : std::int16_t { idle = 0, busy = 1, locked = 2, busy_locked = 3 };
 
 // Enabled in the states 0 (idle), 1 and 3 (busy), 2 (idle with options locked).
 struct Enabling {
@@ -55,9 +58,9 @@ constexpr Row table[] = {
 
 bool enabled_in(const Enabling& enabled, std::int16_t state) {
     switch (state) {
-        case 0:
+        case idle:
             return enabled.idle;
-        case 2:
+        case locked:
             return enabled.locked;
         default:
             return enabled.busy;
@@ -77,8 +80,7 @@ void keep_own_conditions(frmMain& frm) {
     Enable_Save_File(frm);
     Screen& screen = frm.screen;
     if (!frm.catalogue.SoftICE_Enable) screen.comDownSoft_ICE.Enabled = false;
-    // A model without data memory controls has no data image to clear.
-    if (!screen.comLoadDataFile.Enabled) screen.cheClearDataBuffer.Enabled = false;
+    if (!screen.comLoadDataFile.Enabled) Data_Memory_Controls(frm, false);
 }
 
 }  // namespace
@@ -86,8 +88,21 @@ void keep_own_conditions(frmMain& frm) {
 void Set_UI_State(frmMain& frm, std::int16_t state) {
     frm.session.UI_State = state;
     for (const Row& row : table) enable(frm.screen, row.control, enabled_in(row.enabled, state));
+    Apply_Option_Enable(frm, state);
     keep_own_conditions(frm);
-    run_plug(frm, frm.session.Apply_Option_Enable);
+}
+
+void Set_UI_Busy(frmMain& frm) {
+    if (frm.session.UI_State == idle) Set_UI_State(frm, busy);
+    if (frm.session.UI_State == locked) Set_UI_State(frm, busy_locked);
+}
+
+void comLockOptions(frmMain& frm) {
+    Set_UI_State(frm, locked);
+}
+
+void comUnlockOptions(frmMain& frm) {
+    Set_UI_State(frm, idle);
 }
 
 }  // namespace vkm

@@ -7,6 +7,8 @@
 #include "catalogue/tab_strips.h"
 #include "image/image_files.h"
 #include "link/isp_link.h"
+#include "options/mcu_options.h"
+#include "options/option_panel.h"
 #include "plug.h"
 #include "session/download_session.h"
 #include "waiting/waiting.h"
@@ -49,6 +51,7 @@ void Start_Values(Screen& screen) {
 
 void Load(frmMain& frm) {
     Allocate_Buffers(frm);
+    Fill_Options(frm);
     Fill_Lists(frm.screen);
     Choose_First_Options(frm.screen);
     Fill_Tab_Strips(frm);
@@ -59,6 +62,7 @@ void Load(frmMain& frm) {
     Load_Settings(frm);
     Clear_Flags(frm);
     Start_Values(frm.screen);
+    Arrange_Options(frm);
     run_plug(frm, frm.increase.Read_Auto_Increase);
     run_plug(frm, frm.increase.cheAuto_Increase_Click);
     Reset_Buffer(frm, 0, frm.images.AP_Buffer);

@@ -3,7 +3,10 @@
 #include "catalogue/model_selection.h"
 #include "image/image_files.h"
 #include "link/isp_link.h"
+#include "options/option_panel.h"
+#include "session/connect_advice.h"
 #include "session/download_session.h"
+#include "session/read_chip_lock.h"
 #include "session/session_lease.h"
 #include "window/main_window.h"
 #include "window/settings.h"
@@ -26,6 +29,13 @@ void run(frmMain& frm, Event) {
 template <void (*operation)(frmMain&, int)>
 void run_element(frmMain& frm, Event event) {
     operation(frm, event.Source->Index);
+}
+
+// An operation on a choice that the settings keep.
+template <void (*operation)(frmMain&)>
+void run_and_save(frmMain& frm, Event) {
+    operation(frm);
+    Settings_Changed(frm);
 }
 
 // What would change the images under a running job does nothing meanwhile, and no
@@ -71,6 +81,15 @@ constexpr Wire wire_table[] = {
     {"txt_Start_Address",        Change,  run<Enable_Save_File>},
     {"txt_length",               Change,  run<Enable_Save_File>},
     {"comStoreFile",             Click,   run<comStoreFile>},
+    // Options
+    {"Option9",                  Click,   run<Follow_Watchdog_Choice>},
+    {"Option10",                 Click,   run<Follow_Watchdog_Choice>},
+    {"opt_485_pin",              Click,   run_and_save<opt_485_pin_Click>},
+    {"opt_External_WDT",         Click,   run_and_save<opt_External_WDT_Click>},
+    {"comb_External_WDT",        Click,   run<Check_Pin_Clash>},
+    {"comReadChipLock",          Click,   run<comReadChipLock>},
+    {"comLockOptions",           Click,   run<comLockOptions>},
+    {"comUnlockOptions",         Click,   run<comUnlockOptions>},
     // What the settings keep
     {"combCommPort",             Click,   run<Settings_Changed>},
     {"Option0",                  Click,   run<Settings_Changed>},
@@ -79,11 +98,8 @@ constexpr Wire wire_table[] = {
     {"optBeepNo",                Click,   run<Settings_Changed>},
     {"comDalay_ReDownLoad",      Click,   run<Settings_Changed>},
     {"txtWrite_OK_Count",        Change,  run<Settings_Changed>},
-    {"opt_485_pin",              Click,   run<Settings_Changed>},
     {"comb_485_pin",             Click,   run<Settings_Changed>},
     {"opt_485_logic",            Click,   run<Settings_Changed>},
-    {"opt_External_WDT",         Click,   run<Settings_Changed>},
-    {"comb_External_WDT",        Click,   run<Settings_Changed>},
     {"comWDT_Prescalar",         Click,   run<Settings_Changed>},
     {the_window,                 Change,  run<Window_Moved>},
 };
@@ -101,6 +117,7 @@ void wire_timers(Timers& timers) {
     timers.Timer2.Tick = Timer2_Tick;
     timers.Timer3.Tick = Timer3_Tick;
     timers.Timer4.Tick = Timer4_Tick;
+    timers.Timer9.Tick = Timer9_Tick;
     timers.TimerUnload.Tick = TimerUnload_Tick;
 }
 
