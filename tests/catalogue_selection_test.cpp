@@ -7,6 +7,7 @@
 #include "catalogue/mcu_catalogue.h"
 #include "catalogue/model_selection.h"
 #include "image/image_files.h"
+#include "options/mcu_options.h"
 #include "support/virtual_world.h"
 
 namespace vkm {
@@ -22,13 +23,12 @@ struct Selection : testing::Test {
     Selection() {
         calls.clear();
         Allocate_Buffers(frm);
+        Fill_Options(frm);
         Build_Device_Tree(frm);
         Fill_Tab_Strips(frm);
-        frm.catalogue.Arrange_Options = [](frmMain&) { calls.push_back("Arrange_Options"); };
         frm.catalogue.Rebuild_Register_List = [](frmMain& f) {
             calls.push_back("registers of " + std::to_string(f.catalogue.MCU_Info.MCU_Family));
         };
-        frm.session.Clear_Read_Lines = [](frmMain&) { calls.push_back("Clear_Read_Lines"); };
     }
 
     void click(const std::string& key) {
@@ -143,8 +143,21 @@ TEST_F(Selection, TakesTheModelThatIsClickedAndEmptiesBothImages) {
     EXPECT_TRUE(image_is_empty(frm.images.AP_Buffer));
     EXPECT_TRUE(image_is_empty(frm.images.Data_Buffer));
     EXPECT_FALSE(frm.images.File_Loaded);
-    EXPECT_EQ(calls, (std::vector<std::string>{"registers of 3", "Clear_Read_Lines",
-                                               "Arrange_Options", "Arrange_Options"}));
+    EXPECT_EQ(calls, std::vector<std::string>{"registers of 3"});
+}
+
+TEST_F(Selection, LaysOutThePanelOfTheModelAndForgetsWhatWasRead) {
+    apply("VKM47H51RB");
+    screen.Option0[0].Value = 1;
+    screen.Option0[1].Value = 0;
+    screen.LabLock[1].Caption = "MCU: ";
+    click("VKM26H2052");
+    EXPECT_EQ(screen.LabOption[0].Caption, "下次冷启动后时钟源为:");
+    EXPECT_EQ(screen.Option0[0].Value, 0);
+    EXPECT_EQ(screen.Option0[1].Value, 1);
+    EXPECT_EQ(screen.LabLock[1].Caption, "");
+    apply("no such model");
+    EXPECT_EQ(screen.LabOption[0].Caption, "下次冷启动后时钟源为:");
 }
 
 TEST_F(Selection, EmptiesBothImagesAlsoWhenTheModelIsTheSelectedOne) {
@@ -246,17 +259,13 @@ TEST_F(Selection, LeavesAToolPageThatFamily0DoesNotHave) {
 
 TEST_F(Selection, RebuildsTheRegisterListForFamiliesWithAMonitorAlone) {
     apply("VKM47H516RK");
-    EXPECT_EQ(calls, (std::vector<std::string>{"Clear_Read_Lines", "Arrange_Options"}));
-    calls.clear();
+    EXPECT_TRUE(calls.empty());
     apply("VKM47W516AD");
-    EXPECT_EQ(calls,
-              (std::vector<std::string>{"registers of 1", "Clear_Read_Lines", "Arrange_Options"}));
+    EXPECT_EQ(calls, std::vector<std::string>{"registers of 1"});
 }
 
-TEST_F(Selection, PassesOverStepsThatNobodyHasPluggedIn) {
-    frm.catalogue.Arrange_Options = nullptr;
+TEST_F(Selection, PassesOverTheRegisterListWhenNobodyHasPluggedItIn) {
     frm.catalogue.Rebuild_Register_List = nullptr;
-    frm.session.Clear_Read_Lines = nullptr;
     click("VKM47H51RB");
     EXPECT_EQ(model.MCU_Name, "VKM47H51RB");
     EXPECT_TRUE(calls.empty());

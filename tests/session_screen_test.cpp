@@ -6,6 +6,7 @@
 #include <set>
 #include <string>
 
+#include "options/mcu_options.h"
 #include "session/download_session.h"
 #include "session/progress.h"
 #include "session/session_lease.h"
@@ -81,12 +82,48 @@ TEST(UIState, EnablesEachControlByTheState) {
 }
 
 TEST(UIState, TellsTheOptionPanel) {
-    static std::int16_t told;
-    told = -1;
     VirtualWorld world;
-    world.frm.session.Apply_Option_Enable = [](frmMain& frm) { told = frm.session.UI_State; };
+    Fill_Options(world.frm);
+    world.frm.catalogue.MCU_Info.MCU_Family = 2;
+    const Screen& screen = world.frm.screen;
+    Set_UI_State(world.frm, 1);
+    EXPECT_TRUE(screen.LabOption[0].Enabled);
+    EXPECT_FALSE(screen.Option0[0].Enabled);
     Set_UI_State(world.frm, 3);
-    EXPECT_EQ(told, 3);
+    EXPECT_FALSE(screen.LabOption[0].Enabled);
+    Set_UI_State(world.frm, 0);
+    EXPECT_TRUE(screen.Option0[0].Enabled);
+}
+
+TEST(UIState, BecomesBusyAndLockedAndFree) {
+    VirtualWorld world;
+    Set_UI_Busy(world.frm);
+    EXPECT_EQ(world.frm.session.UI_State, 1);
+    Set_UI_Busy(world.frm);
+    EXPECT_EQ(world.frm.session.UI_State, 1);
+    comLockOptions(world.frm);
+    EXPECT_EQ(world.frm.session.UI_State, 2);
+    Set_UI_Busy(world.frm);
+    EXPECT_EQ(world.frm.session.UI_State, 3);
+    comUnlockOptions(world.frm);
+    EXPECT_EQ(world.frm.session.UI_State, 0);
+}
+
+TEST(UIState, LeavesTheDataControlsOffForAModelWithoutThem) {
+    VirtualWorld world;
+    Fill_Options(world.frm);
+    Screen& screen = world.frm.screen;
+    for (const bool has_data : {false, true}) {
+        grant_own_conditions(world.frm);
+        screen.comLoadDataFile.Enabled = has_data;
+        Set_UI_State(world.frm, 0);
+        EXPECT_EQ(screen.cheClearDataBuffer.Enabled, has_data);
+        EXPECT_EQ(screen.txtDataFileCheckSum.Enabled, has_data);
+        EXPECT_EQ(screen.cheData_Auto_Increase.Enabled, has_data);
+        EXPECT_EQ(screen.texData_Auto_Increase[0].Enabled, has_data);
+        EXPECT_EQ(screen.optData_Auto_Increase[2].Enabled, has_data);
+        EXPECT_TRUE(screen.texAuto_Increase[0].Enabled);
+    }
 }
 
 TEST(Stop, AtRestChangesNothingButTheFlag) {

@@ -26,6 +26,8 @@ TEST(Series, KeepsThePlanOfItsFirstChip) {
     sim::SimulatedChip later(
         {.model = "VKM26H5404", .version = 0x51, .options = clears_data, .powered_at = sim::never});
     SessionBench bench({.model = "VKM26H5404", .version = 0x50, .options = clears_data});
+    bench.frm.screen.Option2[0].Value = 1;  // and so does the operator
+    bench.frm.screen.Option2[1].Value = 0;
     bench.choose(bench.frm.screen.comDalay_ReDownLoad, "2");
     bench.load(0x700);
     in_pause(bench, "1", "will continue.  2", [&] {

@@ -147,8 +147,7 @@ TEST(Settings, EveryControlThatASettingStandsForStartsTimer3) {
         {"optBeepNo", EventKind::Click},          {"comDalay_ReDownLoad", EventKind::Click},
         {"txtWrite_OK_Count", EventKind::Change}, {"opt_485_pin", EventKind::Click},
         {"comb_485_pin", EventKind::Click},       {"opt_485_logic", EventKind::Click},
-        {"opt_External_WDT", EventKind::Click},   {"comb_External_WDT", EventKind::Click},
-        {"comWDT_Prescalar", EventKind::Click},
+        {"opt_External_WDT", EventKind::Click},   {"comWDT_Prescalar", EventKind::Click},
     };
     for (const auto& [name, kind] : changes) {
         ToolRun run;
@@ -160,6 +159,16 @@ TEST(Settings, EveryControlThatASettingStandsForStartsTimer3) {
         EXPECT_TRUE(run.frm.timers.Timer3.Enabled) << name;
         EXPECT_EQ(run.frm.timers.Timer3.Interval, 500) << name;
     }
+}
+
+TEST(Settings, TheWatchdogsPinAloneStartsNoSaveAndIsSavedAtTheEnd) {
+    ToolRun run;
+    run.run_for(1000);
+    run.choose(run.frm.screen.comb_External_WDT, 13);
+    EXPECT_FALSE(run.frm.timers.Timer3.Enabled);
+    Unload(run.frm);
+    ToolRun again(run.settings.on_disk);
+    EXPECT_EQ(text_of(again.frm.screen.comb_External_WDT), "P3.5");
 }
 
 TEST(Settings, ASteadyStreamOfChangesIsSavedEveryHalfSecond) {

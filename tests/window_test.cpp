@@ -285,6 +285,7 @@ TEST(Wiring, NoEventStandsInTheTableTwice) {
 
 TEST(Wiring, EveryEventOfEveryControlIsTakenWithoutHarm) {
     Window window;
+    window.port.present.clear();  // nothing waits for a chip
     for (int round = 0; round < 2; ++round) {
         for_each_control(window.frm.screen, [&](Control& control) {
             for (EventKind kind : {EventKind::Click, EventKind::Change, EventKind::KeyDown,

@@ -24,6 +24,8 @@ namespace {
 
 constexpr std::int32_t pause_ms = 5;  // for a chip that has just answered
 constexpr std::int32_t family_0_answer_ms = 50;
+constexpr std::int32_t family_0_chip_ms = 20;    // for the chip, where the line is slow
+constexpr std::size_t family_0_line_bytes = 17;  // the frame and its answer
 constexpr std::int32_t answer_ms = 500;
 constexpr int family_0_attempts = 3;
 constexpr int rounds = 2;
@@ -79,12 +81,19 @@ void report_options_written(frmMain& frm) {
 
 // ---- family 0 -------------------------------------------------------------------
 
+// Below 4800 baud the line alone needs longer than the chip is given.
+std::int32_t family_0_wait_ms(const frmMain& frm) {
+    const Microseconds on_line = time_on_wire(frm.platform.port, family_0_line_bytes);
+    const auto line_ms = std::chrono::ceil<Milliseconds>(on_line).count();
+    return std::max(family_0_answer_ms, static_cast<std::int32_t>(line_ms) + family_0_chip_ms);
+}
+
 void write_family_0(frmMain& frm) {
     const Frame frame = build_option_frame(Family0_Option_Byte(frm));
     Restart_Port(frm);
     for (int attempt = 0; attempt < family_0_attempts; ++attempt) {
         reset_receive(frm);
-        if (send_option_frame(frm, frame, family_0_answer_ms)) break;
+        if (send_option_frame(frm, frame, family_0_wait_ms(frm))) break;
     }
     if (frm.link.frame_ok) Read_Chip_Status(frm, after_writing);
     if (!frm.link.frame_ok) return Option_Write_Failed(frm);

@@ -8,7 +8,6 @@
 #include "image/image_files.h"
 #include "link/isp_link.h"
 #include "options/mcu_options.h"
-#include "options/option_panel.h"
 #include "plug.h"
 #include "session/download_session.h"
 #include "waiting/waiting.h"
@@ -62,7 +61,6 @@ void Load(frmMain& frm) {
     Load_Settings(frm);
     Clear_Flags(frm);
     Start_Values(frm.screen);
-    Arrange_Options(frm);
     run_plug(frm, frm.increase.Read_Auto_Increase);
     run_plug(frm, frm.increase.cheAuto_Increase_Click);
     Reset_Buffer(frm, 0, frm.images.AP_Buffer);
@@ -80,6 +78,8 @@ bool QueryUnload(frmMain& frm) {
 
 void Unload(frmMain& frm) {
     close_port(frm);
+    // Not every change starts the saving by itself.
+    Save_Settings(frm);
     Save_Window(frm);
 }
 

@@ -134,10 +134,12 @@ struct Setting {
     std::string (*text)(frmMain&);
 };
 
+constexpr Setting speed_setting = {"安全锁", normal_speed_number, load_speed, speed_text};
+
 // clang-format off
 constexpr Setting settings[] = {
     {"DeviceProducts",           default_model, load_device, device_text},
-    {"安全锁",                   normal_speed_number, load_speed, speed_text},
+    speed_setting,
     {"FilePath",                 "",     nullptr, file_path_text},
     {"COM_port",                 "0",    load_index<&Screen::combCommPort>, index_text<&Screen::combCommPort>},
     {"BeepYesNo",                "True", load_beep, beep_text},
@@ -181,10 +183,14 @@ void Save_Setting(frmMain& frm, std::string_view key, std::string_view value) {
 }
 
 void Load_Settings(frmMain& frm) {
-    for (const Setting& setting : settings)
+    const auto load = [&](const Setting& setting) {
         if (setting.load)
             setting.load(frm, Get_Setting(frm, setting.key, setting.otherwise), setting.otherwise);
+    };
+    std::ranges::for_each(settings, load);
     Device_Node_Click(frm);
+    // The model has laid out its panel, with the choices that it begins with.
+    load(speed_setting);
 }
 
 void Save_Settings(frmMain& frm) {

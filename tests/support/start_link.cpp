@@ -1,11 +1,13 @@
 // The program of a bench that exercises the link alone.
 #include "catalogue/mcu_catalogue.h"
 #include "link/isp_link.h"
+#include "options/mcu_options.h"
 #include "support/virtual_bench.h"
 
 namespace vkm::test {
 
 void start_program(frmMain& frm) {
+    Fill_Options(frm);
     frm.link.Receive_Event = on_port_event;
     frm.timers.Timer1.Tick = Timer1_Tick;
     frm.timers.Timer2.Tick = Timer2_Tick;
