@@ -377,7 +377,8 @@ TEST(ChipReports, TellTheStoryOfADownload) {
     EXPECT_EQ(story,
               (std::vector<std::string>{
                   "powered", "connected 11059200 Hz 1200 baud", "rate 115200", "erasing",
-                  "block 0x0200 128", "block 0x0200 100 retry", "erased", "options 1=F5", "started",
+                  "block 0x0200 128", "block 0x0200 100 retry", "erased",
+                  "option_frame 46 B9 6A 00 0A 8D F5 FF FD FF F1 16", "options 1=F5", "started",
                   "objection unknown command: 46 B9 6A 00 06 77 E7 16", "unpowered"}));
 }
 

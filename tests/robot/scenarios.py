@@ -16,12 +16,12 @@ import subprocess
 import sys
 import time
 
+import option_scenarios
 from bench import BUILD, Failed, expect, expect_equal, hex_file, program, run_scenarios
+from expectations import PROGRAM_OK, STOPPED, expect_at_rest, expect_done
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 
-PROGRAM_OK = "Program OK / 下载 OK"
-STOPPED = "Operation is stop. / 操作被停止."
 OPEN_FAILED = "Open COM port failure! / 打开串口失败!"
 WRONG_MODEL = "MCU Type is wrong. / MCU 型号错, 请重选"
 NO_FILE = "Please open file./请打开文件。"
@@ -47,22 +47,6 @@ def scenario(name):
         return function
 
     return add
-
-
-def expect_done(robot, chip, content):
-    log = robot.log()
-    expect(PROGRAM_OK in log, f"the job failed:{log}\n" + "\n".join(chip.output[-20:]))
-    expect_equal(chip.flash()[: len(content)], content, "flash")
-    expect(not robot.get("ProgressBar1", "Visible"), "the progress bar is still there")
-    expect_at_rest(robot)
-
-
-def expect_at_rest(robot):
-    expect_equal(robot.value("UI_State"), 0, "UI_State")
-    expect_equal(robot.value("Connected"), False, "Connected")
-    for button in ("comDownload(0)", "comDownload(1)"):
-        expect(robot.get(button, "Enabled"), f"{button} is dead")
-    expect(not robot.get("comStop_Download", "Enabled"), "Stop has nothing to stop")
 
 
 # ---- downloads ---------------------------------------------------------------
@@ -920,6 +904,7 @@ add_models()
 add_paced_models()
 add_bauds()
 add_faults()
+scenarios.update(option_scenarios.scenarios)
 
 if __name__ == "__main__":
     try:

@@ -247,8 +247,8 @@ constexpr std::string_view help_tail =
     "Each is answered with one line, \"ok ...\" or \"error ...\".\n"
     "\n"
     "What happens is told on standard output, one line each: powered, unpowered,\n"
-    "connected, rate, erased, block, options, busy, started, objection (what the chip\n"
-    "found wrong with a frame), saved, pulled, ready.\n";
+    "connected, rate, erasing, erased, block, option_frame, options, busy, started,\n"
+    "objection (what the chip found wrong with a frame), saved, pulled, ready.\n";
 
 std::string write_usage() {
     std::string text{help_head};

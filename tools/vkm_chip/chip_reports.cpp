@@ -30,6 +30,8 @@ std::string frame_text(const LoggedFrame& frame) {
             return "erasing";
         case FrameKind::block:
             return block_text(frame.bytes);
+        case FrameKind::options:
+            return "option_frame " + hex_text(frame.bytes);
         default:
             return {};
     }
