@@ -75,7 +75,8 @@ void write_frame(frmMain& frm, std::span<const std::uint8_t> bytes);
 // sync pulses, a trigger.
 void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes);
 
-// Writes a request; if bytes are still unsent lets events run once; waits 3 ms.
+// Writes a request, forgetting what came before it; if bytes are still unsent lets
+// events run once; waits 3 ms.
 void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes);
 
 // One block of `count` bytes of the image from `address`: 0 when the chip

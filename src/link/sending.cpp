@@ -89,6 +89,9 @@ void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes) {
 }
 
 void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes) {
+    // A frame that came in the pause before answers something older: an answer that
+    // came twice, or late.
+    forget_reply(frm.link);
     write_frame(frm, bytes);
     if (frm.platform.port.output_count() > 0) process_events(frm);
     wait_ms(frm, settle_ms);

@@ -6,7 +6,6 @@
 #include "catalogue/model_traits.h"
 #include "link/handshake.h"
 #include "link/isp_link.h"
-#include "link/reply_gathering.h"
 #include "link/status_frame.h"
 #include "options/mcu_options.h"
 #include "options/option_schema.h"
@@ -115,11 +114,8 @@ ReloadPair pair_of_new_mode(const frmMain& frm) {
 
 bool send_family_2(frmMain& frm) {
     const Frame frame = build_option_frame(frm.options.Option_Bytes[0], pair_of_new_mode(frm));
-    for (int attempt = 0; attempt < attempts_of_a_round; ++attempt) {
-        // The answer of the status read before must not pass for this one's.
-        forget_reply(frm.link);
+    for (int attempt = 0; attempt < attempts_of_a_round; ++attempt)
         if (send_option_frame(frm, frame, answer_ms)) return true;
-    }
     return false;
 }
 
