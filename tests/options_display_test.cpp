@@ -444,6 +444,20 @@ TEST_F(OptionDisplay, WritesBothFormsOfThePrescalersTextForEveryValue) {
     }
 }
 
+TEST_F(OptionDisplay, LeavesNoStateOfThePanelBehind) {
+    for (const std::int16_t family : std::initializer_list<std::int16_t>{0, 2, 4, 6}) {
+        frm.catalogue.MCU_Info.MCU_Family = family;
+        for (const std::string letter : {"C", "D"}) {
+            Compose_Options(frm);
+            show(letter);
+            for (const Option_Row& row : *family_rows(frm)) {
+                EXPECT_NE(row.Option_State, "True") << family << ' ' << letter;
+                EXPECT_NE(row.Option_State, "False") << family << ' ' << letter;
+            }
+        }
+    }
+}
+
 TEST_F(OptionDisplay, HasNothingToDecodeInAGroupWithoutRows) {
     for (const int group : {1, 6}) {
         Decode_Chip_Options(frm, group);

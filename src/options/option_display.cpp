@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "options/mcu_options.h"
 #include "options/option_bytes.h"
 #include "options/option_schema.h"
 #include "options/option_texts.h"
@@ -118,6 +119,7 @@ void Show_Panel_Lines(frmMain& frm, std::uint8_t, std::uint8_t, std::uint8_t opt
 }
 
 void Decode_Chip_Options(frmMain& frm, int group) {
+    Reset_Option_State(frm);
     for (Option_Row& row : rows_of(frm, group))
         row.Option_State = bit_state(row.Option_Code, frm.options.Chip_Bytes);
     decode_prescaler(frm, group);

@@ -18,8 +18,9 @@ void Show_Chip_Info(frmMain& frm, std::uint8_t version, std::uint8_t letter, std
 void Show_Panel_Lines(frmMain& frm, std::uint8_t version, std::uint8_t letter, std::uint8_t option,
                       std::int16_t flag);
 
-// States of a group's rows by Chip_Bytes: "1" where the chip agrees. Also writes
-// the text of the prescaler's row.
+// States of a group's rows by Chip_Bytes: "1" where the chip agrees; the panel's
+// states of the selected family are gone then. Also writes the text of the
+// prescaler's row.
 void Decode_Chip_Options(frmMain& frm, int group);
 
 // Empties LabLock.
