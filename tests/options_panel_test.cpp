@@ -594,5 +594,12 @@ TEST_F(OptionPanel, DoesNotWarnWhenThe485PinIsChosen) {
     EXPECT_TRUE(world.boxes().empty());
 }
 
+TEST_F(OptionPanel, DoesNotWarnWhileNoPinIsChosen) {
+    Check_Pin_Clash(frm);
+    choose_pin(s.comb_485_pin, "P1.0");
+    Check_Pin_Clash(frm);
+    EXPECT_TRUE(world.boxes().empty());
+}
+
 }  // namespace
 }  // namespace vkm

@@ -224,7 +224,8 @@ void opt_External_WDT_Click(frmMain& frm) {
 
 void Check_Pin_Clash(frmMain& frm) {
     const Screen& s = frm.screen;
-    if (text_of(s.comb_485_pin) == text_of(s.comb_External_WDT))
+    const Entry* pin = chosen_entry(s.comb_485_pin);
+    if (pin && pin->Text == text_of(s.comb_External_WDT))
         frm.platform.dialogs.show_text(option_text::pin_clash);
 }
 
