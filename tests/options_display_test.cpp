@@ -404,7 +404,9 @@ TEST_F(OptionDisplay, EndsAtTheLastLabelHoweverManyOptionsThereAre) {
     for (int i = 0; i < 4; ++i) rows.insert(rows.end(), again.begin(), again.end());
     show("D");
     for (std::size_t i = 1; i < 14; ++i) EXPECT_TRUE(frm.screen.LabLock[i].Visible) << i;
-    EXPECT_EQ(frm.screen.LabLock.size(), 14u);
+    // The controls behind the array in the record.
+    EXPECT_EQ(frm.screen.fraAuto_Increase.Caption, "自动增量可以给 MCU 及产品编号");
+    EXPECT_EQ(frm.screen.frmAP_FileIncrease.Caption, "程序文件自动增量");
 }
 
 // ---- the states behind it -----------------------------------------------------
