@@ -39,6 +39,7 @@ constexpr ControlHint hints[] = {
     {"comClear_OK_Count", -1, 'C', "计数清零 / Counter back to 0"},
     {"optBeepYes", -1, 'Y', "每片成功后响一声 / A beep for each good chip"},
     {"optBeepNo", -1, 'N', "成功后不响 / No beep for a good chip"},
+    {"Label6", -1, 'l', "连续下载时两片之间的秒数 / Seconds between two chips of Re-Download"},
     {"comDalay_ReDownLoad", -1, 0, "连续下载时两片之间的秒数 / Seconds between two chips of Re-Download"},
     {"comMastWindow", -1, 0, "只留左边的步骤栏 / Leaves the column of steps alone"},
     // Monitor

@@ -17,6 +17,7 @@
 #include "platform/qt/fields.h"
 #include "platform/qt/make_widget.h"
 #include "platform/qt/marks.h"
+#include "platform/qt/option_panel_view.h"
 #include "platform/qt/text_mapping.h"
 
 namespace vkm {
@@ -47,7 +48,9 @@ void draw_button(const Control& now, QAbstractButton& button) {
     if (button.isCheckable()) set_checked(button, now.Value != 0);
 }
 
-void draw_frame(const Control& now, QWidget& frame) {
+void draw_frame(const Control& now, const Control& before, QWidget& frame) {
+    if (auto* panel = dynamic_cast<OptionPanelView*>(&frame))
+        if (now.List != before.List) panel->set_lines(now.List);
     if (auto* group = dynamic_cast<Group*>(&frame))
         group->set_caption(to_qt(now.Caption));
     else
@@ -190,7 +193,7 @@ void draw_content(const Control& now, const Control& before, QWidget& widget) {
         case ControlKind::ProgressBar:
             return draw_progress(now, static_cast<QProgressBar&>(widget));
         case ControlKind::Frame:
-            return draw_frame(now, widget);
+            return draw_frame(now, before, widget);
         case ControlKind::Picture:
             return;
     }

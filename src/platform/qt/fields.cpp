@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QScrollBar>
+#include <algorithm>
 
 #include "platform/qt/fonts.h"
 
@@ -61,6 +62,24 @@ void Readout::changeEvent(QEvent* event) {
 
 void Readout::fix_size() {
     setFixedSize(fontMetrics().horizontalAdvance(QString(columns_, u'0')), fontMetrics().height());
+}
+
+void ColumnLabel::align(const QList<ColumnLabel*>& column) {
+    for (ColumnLabel* label : column) label->column_ = column;
+}
+
+QSize ColumnLabel::sizeHint() const {
+    QSize size = QLabel::sizeHint();
+    for (const ColumnLabel* label : column_)
+        size.setWidth(std::max(size.width(), label->QLabel::sizeHint().width()));
+    return size;
+}
+
+// Layouts keep the width that a label told them: the others have to be asked anew.
+void ColumnLabel::resizeEvent(QResizeEvent* event) {
+    QLabel::resizeEvent(event);
+    for (ColumnLabel* label : column_)
+        if (label->width() != width()) label->updateGeometry();
 }
 
 void Group::set_caption(const QString& caption) {

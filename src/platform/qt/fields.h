@@ -5,6 +5,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QList>
 #include <QPlainTextEdit>
 
 namespace vkm {
@@ -50,6 +51,21 @@ class Readout final : public QLabel {
     void fix_size();
 
     int columns_;
+};
+
+// A label as wide as the widest of its column, so that forms below each other
+// look like one.
+class ColumnLabel final : public QLabel {
+  public:
+    ColumnLabel() { setTextFormat(Qt::PlainText); }
+    static void align(const QList<ColumnLabel*>& column);
+    QSize sizeHint() const override;
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    QList<ColumnLabel*> column_;
 };
 
 // A titled group. Where the title finds no room it ends in "…", and a hint shows

@@ -19,6 +19,9 @@ class FittingArea final : public QScrollArea {
 
   private:
     int wanted_width() const;
+    int height_of(const QSize& asked) const;
+    bool scrolls() const;
+    void fit();
 
     int fewest_lines_;
 };

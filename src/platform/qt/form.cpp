@@ -1,5 +1,6 @@
 #include "platform/qt/form.h"
 
+#include <QEvent>
 #include <QScrollArea>
 #include <QStyle>
 
@@ -15,12 +16,30 @@ class ScrolledPage final : public QScrollArea {
     QSize sizeHint() const override { return minimumSizeHint(); }
 };
 
+class Unit final : public QLabel {
+  public:
+    Unit(const QString& text, QWidget* control) : QLabel(text) {
+        control->installEventFilter(this);
+    }
+
+  protected:
+    bool eventFilter(QObject* control, QEvent* event) override {
+        if (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent)
+            setHidden(static_cast<QWidget*>(control)->isHidden());
+        return QLabel::eventFilter(control, event);
+    }
+};
+
 }  // namespace
 
 QLabel* caption(const char* text, QWidget* buddy) {
     auto* label = new QLabel(QString::fromUtf8(text));
     label->setBuddy(buddy);
     return label;
+}
+
+QLabel* unit(const char* text, QWidget* control) {
+    return new Unit(QString::fromUtf8(text), control);
 }
 
 QLabel* remark(const char* text) {

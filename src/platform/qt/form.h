@@ -15,6 +15,9 @@ namespace vkm {
 // ampersand, goes to the buddy.
 QLabel* caption(const char* text, QWidget* buddy = nullptr);
 
+// The unit behind a control; seen as long as the control is.
+QLabel* unit(const char* text, QWidget* control);
+
 // A line of explanation, wrapped where it has to be.
 QLabel* remark(const char* text);
 

@@ -8,9 +8,9 @@
 
 #include "platform/qt/fields.h"
 #include "platform/qt/fitting_area.h"
-#include "platform/qt/flow_layout.h"
 #include "platform/qt/form.h"
 #include "platform/qt/marks.h"
+#include "platform/qt/option_panel_view.h"
 
 namespace vkm {
 namespace {
@@ -99,40 +99,23 @@ QWidget* make_step_3(ScreenView& view, Screen& s) {
 // ---- step 4: the options ----------------------------------------------------------
 
 template <std::size_t count>
-void add_option(ScreenView& view, QVBoxLayout* lines, Control* label,
-                std::array<Control, count>& choices) {
-    auto* line = new FlowLayout;
-    if (label) line->addWidget(view(*label));
-    for (Control& choice : choices) line->addWidget(view(choice));
-    lines->addLayout(line);
+void put_on(QWidget* panel, ScreenView& view, std::array<Control, count>& choices) {
+    for (Control& choice : choices) view(choice)->setParent(panel);
 }
 
-// A label shorter than the others stands with its choices; a remark stands alone.
+// The logic tells which of them are to be seen, and in which order.
 QWidget* make_options(ScreenView& view, Screen& s) {
-    auto* options = view.use(s.Frame16, new QWidget);
-    auto* lines = column(options);
-    lines->addWidget(view(s.cheTL));
-    auto& label = s.LabOption;
-    add_option(view, lines, &label[0], s.Option0);
-    add_option(view, lines, &label[1], s.Option1);
-    add_option(view, lines, &label[2], s.Option2);
-    add_option(view, lines, &label[3], s.Option3);
-    add_option(view, lines, &label[4], s.Option4);
-    add_option(view, lines, &label[5], s.Option5);
-    add_option(view, lines, &label[6], s.Option6);
-    add_option(view, lines, &label[7], s.Option7);
-    add_option(view, lines, &label[8], s.Option8);
-    add_option(view, lines, &label[9], s.Option9);
-    add_option(view, lines, &label[10], s.Option10);
-    add_option(view, lines, &label[11], s.Option11);
-    add_option(view, lines, &label[12], s.Option12);
-    lines->addLayout(flow({view(s.Label20), view(s.comWDT_Prescalar)}));
-    lines->addWidget(view(s.LabOptionC));
-    lines->addWidget(view(s.Label7));
-    lines->addStretch();
-    for (Control* text : {&s.LabOptionC, &s.Label7})
-        static_cast<QLabel*>(view(*text))->setWordWrap(true);
-    return options;
+    auto* panel = view.use(s.Frame16, new OptionPanelView);
+    for (Control& label : s.LabOption) view.use(label, new OptionLabel);
+    for (Control* label : {&s.LabOptionC, &s.Label7, &s.Label20}) view.use(*label, new OptionLabel);
+    put_on(panel, view, s.LabOption);
+    put_on(panel, view, s.Option3);
+    for (auto* pair : {&s.Option0, &s.Option1, &s.Option2, &s.Option4, &s.Option5, &s.Option6,
+                       &s.Option7, &s.Option8, &s.Option9, &s.Option10, &s.Option11, &s.Option12})
+        put_on(panel, view, *pair);
+    for (Control* control : {&s.LabOptionC, &s.Label7, &s.Label20, &s.comWDT_Prescalar, &s.cheTL})
+        view(*control)->setParent(panel);
+    return panel;
 }
 
 QWidget* make_step_4(ScreenView& view, Screen& s) {
@@ -171,14 +154,21 @@ QLayout* make_result(ScreenView& view, Screen& s) {
     return line;
 }
 
+// The delay is not for every family.
+QLayout* make_beep_and_delay(ScreenView& view, Screen& s) {
+    auto* label = static_cast<QLabel*>(keeping_its_place(view(s.Label6)));
+    auto* delay = keeping_its_place(view(s.comDalay_ReDownLoad));
+    label->setBuddy(delay);
+    return row({caption("Beep/响铃:"), view(s.optBeepYes), view(s.optBeepNo), nullptr, label, delay,
+                keeping_its_place(unit("s", delay))});
+}
+
 QWidget* make_step_5(ScreenView& view, Screen& s) {
     QWidget* frame = view(s.Frame13);
     auto* lines = column(frame);
     lines->addLayout(make_buttons(view, s));
     lines->addLayout(make_result(view, s));
-    lines->addLayout(row({caption("Beep/响铃:"), view(s.optBeepYes), view(s.optBeepNo), nullptr,
-                          caption("间隔/De&lay:", view(s.comDalay_ReDownLoad)),
-                          view(s.comDalay_ReDownLoad), caption("s")}));
+    lines->addLayout(make_beep_and_delay(view, s));
     view.make_set({&s.optBeepYes, &s.optBeepNo});
     lines->addLayout(row({view(s.cekReloadFile), view(s.cekReloadFileWhileFileChange), nullptr}));
     return frame;

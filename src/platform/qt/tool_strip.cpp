@@ -32,16 +32,30 @@ QWidget* pin_choice(ScreenView& view, std::array<Control, 2>& options, Control& 
     return flow_widget({view(options[0]), view(options[1]), view(pin)});
 }
 
+// A part of a page, hidden as a whole.
+QWidget* strip_of(ScreenView& view, Control& frame, QFormLayout* fields) {
+    QWidget* strip = view.use(frame, new QWidget);
+    fields->setContentsMargins(0, 0, 0, 0);
+    strip->setLayout(fields);
+    return strip;
+}
+
 QWidget* make_options_page(ScreenView& view, Screen& s) {
     QWidget* page = page_of(view, s.Frame12);
-    auto* fields = form();
-    fields->addRow(view(s.Lab_485_pin), pin_choice(view, s.opt_485_pin, s.comb_485_pin));
-    fields->addRow(view(s.Lab_485_logic),
-                   flow_widget({view(s.opt_485_logic[0]), view(s.opt_485_logic[1])}));
-    fields->addRow(caption("外部看门狗:"),
-                   pin_choice(view, s.opt_External_WDT, s.comb_External_WDT));
+    auto* pin = view.use(s.Lab_485_pin, new ColumnLabel);
+    auto* logic = view.use(s.Lab_485_logic, new ColumnLabel);
+    auto* external = new ColumnLabel;
+    external->setText(QStringLiteral("外部看门狗:"));
+    ColumnLabel::align({pin, logic, external});
+    auto* rs_485 = form();
+    rs_485->addRow(pin, pin_choice(view, s.opt_485_pin, s.comb_485_pin));
+    rs_485->addRow(logic, flow_widget({view(s.opt_485_logic[0]), view(s.opt_485_logic[1])}));
+    auto* watchdog = form();
+    watchdog->addRow(external, pin_choice(view, s.opt_External_WDT, s.comb_External_WDT));
     auto* lines = column(page);
-    lines->addLayout(fields);
+    lines->setSpacing(rs_485->verticalSpacing());
+    lines->addWidget(strip_of(view, s.Picture4, rs_485));
+    lines->addWidget(strip_of(view, s.Picture7, watchdog));
     lines->addStretch();
     return page;
 }
