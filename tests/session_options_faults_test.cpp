@@ -312,6 +312,22 @@ TEST(OptionWrite, OfAChipThatStaysBusyEndsWithStopAlone) {
     }
 }
 
+// Stop also closes the port, which silences any chip; the flag is enough, though.
+TEST(OptionWrite, OfAChipThatStaysBusyEndsWithTheFlagOfStop) {
+    for (const char* fastest : {"115200", "1200"}) {
+        SCOPED_TRACE(fastest);
+        OptionBench bench = OptionBench::with_other_options(chip_of('D'), {.option_busy = -1});
+        ASSERT_TRUE(bench.choose(bench.frm.screen.cobBaudMax, fastest));
+        bench.at(60'000, [&] { bench.frm.link.stop_requested = true; });
+        bench.run_job();
+        EXPECT_NEAR(bench.job_ms(), 60'000, 1200);
+        expect_session_over(bench);
+        EXPECT_EQ(bench.frm.session.Result, Job_Result::stopped);
+        EXPECT_TRUE(ends_with(bench.log(), options_failed)) << bench.log();
+        EXPECT_GT(bench.option_attempts(), 100);
+    }
+}
+
 TEST(OptionWrite, EndsSoonWhenTheWindowClosesAtAnyMoment) {
     for (const OptionChip& chip : option_chips) {
         const Span span = option_write_of(chip);
