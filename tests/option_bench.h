@@ -57,6 +57,13 @@ inline Bytes chip_frame(const Bytes& body) {
 
 inline std::string options_failed = "\r\nConfig option are error! / 设置选项失败。";
 
+// The operator sees the last line.
+inline void expect_log_at_its_end(const frmMain& frm) {
+    Control log = frm.screen.textMsg;
+    caret_to_end(log);
+    EXPECT_EQ(frm.screen.textMsg.SelStart, log.SelStart);
+}
+
 struct OptionBench : SessionBench {
     // A chip as it is delivered, unless the configuration says otherwise.
     explicit OptionBench(const OptionChip& chip, sim::ChipConfig config = {})

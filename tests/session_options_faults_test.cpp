@@ -16,6 +16,7 @@ const std::string step = "Write options / 写选项";
 void expect_options_failed(const OptionBench& bench) {
     expect_failed_at(bench, step);
     EXPECT_TRUE(ends_with(bench.log(), options_failed)) << bench.log();
+    expect_log_at_its_end(bench.frm);
     EXPECT_EQ(bench.sounder.beeps(), 3);
     EXPECT_FALSE(bench.log_has("Program OK")) << bench.log();
     EXPECT_FALSE(bench.log_has("Config option OK.")) << bench.log();

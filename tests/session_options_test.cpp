@@ -420,6 +420,30 @@ TEST(OptionsThatAreRight, EndTheSessionTwiceAndCloseThePort) {
     }
 }
 
+// The chip is done by then, so a stop takes nothing back.
+TEST(OptionsThatAreRight, CountTheChipWhateverTheOperatorDoesAtTheEnd) {
+    for (const char letter : {'C', 'D', 'G'}) {
+        OptionBench whole(chip_of(letter));
+        whole.run_job();
+        const auto& written = whole.port.written;
+        const std::chrono::duration<double, std::milli> last_block =
+            written[written.size() - 5].at - whole.loop.start();
+        const auto begin = static_cast<std::int64_t>(last_block.count() - whole.start_ms) + 20;
+        for (auto moment = begin; moment < static_cast<std::int64_t>(whole.job_ms()); ++moment) {
+            SCOPED_TRACE(letter + std::to_string(moment));
+            OptionBench bench(chip_of(letter));
+            bench.click_stop_in(moment);
+            bench.run_job();
+            expect_session_over(bench);
+            EXPECT_EQ(bench.frm.session.Result, Job_Result::done);
+            EXPECT_EQ(bench.count(), "1");
+            EXPECT_TRUE(bench.flash_holds(bench.image));
+            EXPECT_TRUE(bench.log_has("Program OK")) << bench.log();
+            if (HasFailure()) return;
+        }
+    }
+}
+
 TEST(OptionsThatAreRight, LeaveTheStepWithThePortClosedAndTheJobGoingOn) {
     OptionBench bench(chip_of('D'));
     frmMain& frm = bench.frm;

@@ -120,6 +120,7 @@ TEST(ReadingOptions, ShowsWhatTheChipHoldsInTheLogAndOnThePage) {
         read_options(bench);
         EXPECT_EQ(bench.log(), connecting + options_told(reading, true));
         EXPECT_EQ(page_of(bench), reading.page);
+        expect_log_at_its_end(bench.frm);
         EXPECT_TRUE(bench.frm.link.Status_Read_OK);
         EXPECT_EQ(bench.heard(FrameKind::link_check), 5);
         EXPECT_EQ(bench.status_reads(), 0);
@@ -342,6 +343,7 @@ TEST(ReadingOptionsOfAnOpenSession, EndsItAndTellsWhatWasRead) {
         SCOPED_TRACE(open.log);
         OpenSession bench(open.letter, open.read, open.english);
         EXPECT_EQ(bench.log(), open.log);
+        expect_log_at_its_end(bench.frm);
         ASSERT_EQ(bench.port.written.size(), 2u);
         EXPECT_EQ(bench.port.written[0].bytes,
                   (Bytes{0xFE, 0xFE, 0xFE, 0xFE, 0x46, 0xB9, 0x6A, 0x00, 0x06, 0x82, 0xF2, 0x16}));
@@ -366,6 +368,7 @@ TEST(ReadingOptionsOfAnOpenSession, LeavesItOpenWhenNothingWasRead) {
         SCOPED_TRACE(open.log);
         OpenSession bench(open.letter, open.read, open.english);
         EXPECT_EQ(bench.log(), open.log);
+        expect_log_at_its_end(bench.frm);
         EXPECT_TRUE(bench.port.written.empty());
         EXPECT_TRUE(bench.port.is_open());
         EXPECT_EQ(bench.frm.session.UI_State, 1);
