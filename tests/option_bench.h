@@ -55,7 +55,7 @@ inline Bytes chip_frame(const Bytes& body) {
     return frame;
 }
 
-inline std::string options_failed = "\r\nConfig option are error! / 设置选项失败。";
+inline const std::string options_failed = "\r\nConfig option are error! / 设置选项失败。";
 
 // The operator sees the last line.
 inline void expect_log_at_its_end(const frmMain& frm) {
