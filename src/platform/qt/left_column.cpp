@@ -154,12 +154,21 @@ QLayout* make_result(ScreenView& view, Screen& s) {
     return line;
 }
 
+QWidget* make_beep(ScreenView& view, Screen& s) {
+    auto* strip = view.use(s.picBeep, new QWidget);
+    auto* line = row({view(s.optBeepYes), view(s.optBeepNo)});
+    line->setContentsMargins(0, 0, 0, 0);
+    strip->setLayout(line);
+    view.make_set({&s.optBeepYes, &s.optBeepNo});
+    return strip;
+}
+
 // The delay is not for every family.
 QLayout* make_beep_and_delay(ScreenView& view, Screen& s) {
     auto* label = static_cast<QLabel*>(keeping_its_place(view(s.Label6)));
     auto* delay = keeping_its_place(view(s.comDalay_ReDownLoad));
     label->setBuddy(delay);
-    return row({caption("Beep/响铃:"), view(s.optBeepYes), view(s.optBeepNo), nullptr, label, delay,
+    return row({view(s.Label2), make_beep(view, s), nullptr, label, delay,
                 keeping_its_place(unit("s", delay))});
 }
 
@@ -169,7 +178,6 @@ QWidget* make_step_5(ScreenView& view, Screen& s) {
     lines->addLayout(make_buttons(view, s));
     lines->addLayout(make_result(view, s));
     lines->addLayout(make_beep_and_delay(view, s));
-    view.make_set({&s.optBeepYes, &s.optBeepNo});
     lines->addLayout(row({view(s.cekReloadFile), view(s.cekReloadFileWhileFileChange), nullptr}));
     return frame;
 }
