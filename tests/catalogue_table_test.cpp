@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <iomanip>
 #include <map>
 #include <set>
@@ -17,6 +16,7 @@
 #include "catalogue/model_table.h"
 #include "catalogue/model_traits.h"
 #include "catalogue/older_codes.h"
+#include "golden_file.h"
 #include "image/image_buffer.h"
 
 namespace vkm {
@@ -83,13 +83,6 @@ std::string canonical_catalogue() {
     return out.str();
 }
 
-std::vector<std::string> lines_of(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    return lines;
-}
-
 std::set<std::string> names_where(const auto& condition) {
     std::set<std::string> names;
     for (const Model& model : all_models())
@@ -98,18 +91,7 @@ std::set<std::string> names_where(const auto& condition) {
 }
 
 TEST(Catalogue, IsTheOneOfTheGoldenFile) {
-    std::ifstream file(VKM_GOLDEN_FOLDER "/catalogue.txt", std::ios::binary);
-    ASSERT_TRUE(file);
-    std::stringstream golden;
-    golden << file.rdbuf();
-    const auto expected = lines_of(golden.str());
-    const auto actual = lines_of(canonical_catalogue());
-    // A wanted change of the data is made in the golden file too: this is what
-    // belongs there.
-    const std::string wanted = ::testing::TempDir() + "catalogue.txt";
-    if (actual != expected) std::ofstream(wanted, std::ios::binary) << canonical_catalogue();
-    ASSERT_EQ(actual.size(), expected.size()) << "see " << wanted;
-    for (std::size_t i = 0; i < actual.size(); ++i) EXPECT_EQ(actual[i], expected[i]);
+    test::expect_golden("catalogue.txt", canonical_catalogue());
 }
 
 TEST(Catalogue, Has154ModelsInSevenGroupsWithoutAFamily5) {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <iomanip>
 #include <map>
 #include <set>
@@ -11,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "golden_file.h"
 #include "options/option_bytes.h"
 #include "options/option_schema.h"
 #include "options_bit_map.h"
@@ -77,26 +77,8 @@ std::string canonical_schema() {
     return out.str();
 }
 
-std::vector<std::string> lines_of(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    return lines;
-}
-
 TEST(OptionSchema, IsTheOneOfTheGoldenFile) {
-    std::ifstream file(VKM_GOLDEN_FOLDER "/options.txt", std::ios::binary);
-    ASSERT_TRUE(file);
-    std::stringstream golden;
-    golden << file.rdbuf();
-    const auto expected = lines_of(golden.str());
-    const auto actual = lines_of(canonical_schema());
-    // A wanted change of the schema is made in the golden file too: this is what
-    // belongs there.
-    const std::string wanted = ::testing::TempDir() + "options.txt";
-    if (actual != expected) std::ofstream(wanted, std::ios::binary) << canonical_schema();
-    ASSERT_EQ(actual.size(), expected.size()) << "see " << wanted;
-    for (std::size_t i = 0; i < actual.size(); ++i) EXPECT_EQ(actual[i], expected[i]);
+    test::expect_golden("options.txt", canonical_schema());
 }
 
 TEST(OptionSchema, HasEightGroupsAndNothingOutside) {

@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::int32_t settle_ms = 500;  // Timer3 gathers changes that come close together
 constexpr std::int16_t block_size_before_look_up = 128;
-constexpr std::int16_t idle = 0;
 
 }  // namespace
 
@@ -34,14 +33,14 @@ void Open_Device_Tree(frmMain& frm) {
 void Close_Device_Tree(frmMain& frm) {
     // A click on the ground of a frame also comes here while a job runs or a
     // project is locked, and must not free the box then.
-    frm.screen.txtDevice.Enabled = frm.session.UI_State == idle;
+    frm.screen.txtDevice.Enabled = frm.session.UI_State == ui_idle;
     frm.screen.TreeViewDevice.Visible = false;
 }
 
 void Device_Node_Click(frmMain& frm) {
     Screen& screen = frm.screen;
     const Entry* node = chosen_entry(screen.TreeViewDevice);
-    if (!node || is_family_key(node->Key) || frm.session.UI_State != idle) return;
+    if (!node || is_family_key(node->Key) || frm.session.UI_State != ui_idle) return;
     screen.txtDevice.Text = node->Key;
     Reset_Buffer(frm, 0, frm.images.AP_Buffer);
     Reset_Buffer(frm, 0, frm.images.Data_Buffer);

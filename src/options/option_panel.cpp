@@ -13,8 +13,6 @@ namespace {
 using Rows = std::vector<Option_Row>;
 using Entries = std::vector<Entry>;
 
-enum State : std::int16_t { idle = 0, busy = 1, locked = 2, busy_locked = 3 };
-
 // ---- what is on the panel --------------------------------------------------
 
 template <std::size_t count>
@@ -138,11 +136,11 @@ void arrange_family_6(Screen& s, const Rows& rows) {
 
 bool enabled_in(const Option_Row& row, std::int16_t state) {
     switch (state) {
-        case idle:
+        case ui_idle:
             return row.Option_Enable_0;
-        case busy:
+        case ui_busy:
             return row.Option_Enable_1;
-        case locked:
+        case ui_locked:
             return row.Option_Enable_2;
         default:
             return false;
@@ -168,9 +166,9 @@ void follow_watchdog(frmMain& frm, std::int16_t state) {
     const bool runs = choice->Value != 0;
     for (const auto key :
          {option_key::idle_WDT_yes, option_key::idle_WDT_no, option_key::prescaler})
-        enable_key(frm, *rows, key, runs && state == idle);
-    enable_key(frm, *rows, option_key::idle_WDT_label, runs && state != busy_locked);
-    frm.screen.Label20.Enabled = runs && state != busy_locked;
+        enable_key(frm, *rows, key, runs && state == ui_idle);
+    enable_key(frm, *rows, option_key::idle_WDT_label, runs && state != ui_busy_locked);
+    frm.screen.Label20.Enabled = runs && state != ui_busy_locked;
 }
 
 void enable_family(frmMain& frm, std::int16_t state) {

@@ -13,8 +13,9 @@ namespace vkm {
 // line, and the entries that name it as their parent stand beside it.
 void Arrange_Options(frmMain& frm);
 
-// Enables the controls of the schema by the state of the tool: 0 free, 1 a job
-// runs, 2 a project locks the options, 3 both; then follows the watchdog's choice.
+// Enables the controls of the schema by the state of the tool (UI_State_Value):
+// ui_idle frees them, ui_busy and ui_locked leave the labels readable,
+// ui_busy_locked disables all. Then follows the watchdog's choice.
 void Apply_Option_Enable(frmMain& frm, std::int16_t state);
 
 // What belongs to the internal watchdog can be chosen only while the chip is to

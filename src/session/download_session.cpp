@@ -237,8 +237,8 @@ void comStop_Download(frmMain& frm) {
     frm.platform.port.clear_output();
     close_port(frm);
     if (frm.session.Project_Lock) comLockOptions(frm);
-    if (frm.session.UI_State == 1) Set_UI_State(frm, 0);
-    if (frm.session.UI_State == 3) Set_UI_State(frm, 2);
+    if (frm.session.UI_State == ui_busy) Set_UI_State(frm, ui_idle);
+    if (frm.session.UI_State == ui_busy_locked) Set_UI_State(frm, ui_locked);
 }
 
 }  // namespace vkm

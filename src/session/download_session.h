@@ -43,8 +43,8 @@ void Show_Clock(frmMain& frm);
 enum class Progress { down_load, fill_grid, hide };
 void Show_Progress(frmMain& frm, Progress mode);
 
-// Stores the state and enables the controls and the option panel by it: 0 idle,
-// 1 busy, 2 idle with options locked, 3 busy with options locked.
+// Stores the state (UI_State_Value) and enables the controls and the option panel
+// by it.
 void Set_UI_State(frmMain& frm, std::int16_t state);
 
 // A session begins: 0 becomes 1, 2 becomes 3.

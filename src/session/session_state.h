@@ -29,6 +29,14 @@ struct Download_Plan_Record {
     std::int32_t Free_High = 0;
 };
 
+// Values of UI_State. It is also the lock state of the option panel.
+enum UI_State_Value : std::int16_t {
+    ui_idle = 0,
+    ui_busy = 1,         // a session runs
+    ui_locked = 2,       // idle, a project or the operator has locked the options
+    ui_busy_locked = 3,  // both
+};
+
 // How the last job ended, for the verdict beside the counter. The edge draws the
 // numbers' colours.
 enum class Job_Result { none, running, done, failed, stopped };
@@ -41,7 +49,7 @@ struct SessionState {
     std::string Erase_Time;         // mm:ss of the last erase, or empty
     std::string Cut_Note;           // remark after a cut at the firmware limit
     std::string Cut_Note_CN;
-    std::int16_t UI_State = 0;         // 0 idle, 1 busy, 2 idle locked, 3 busy locked
+    std::int16_t UI_State = ui_idle;   // one of UI_State_Value
     std::int16_t Firmware_Size = 0;    // bytes of the chip's boot firmware
     bool Firmware_Size_Known = false;  // set by the handshake
     Download_Plan_Record Download_Plan;

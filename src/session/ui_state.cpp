@@ -8,8 +8,6 @@
 namespace vkm {
 namespace {
 
-enum State : std::int16_t { idle = 0, busy = 1, locked = 2, busy_locked = 3 };
-
 // Enabled in the states 0 (idle), 1 and 3 (busy), 2 (idle with options locked).
 struct Enabling {
     bool idle;
@@ -58,9 +56,9 @@ constexpr Row table[] = {
 
 bool enabled_in(const Enabling& enabled, std::int16_t state) {
     switch (state) {
-        case idle:
+        case ui_idle:
             return enabled.idle;
-        case locked:
+        case ui_locked:
             return enabled.locked;
         default:
             return enabled.busy;
@@ -93,16 +91,16 @@ void Set_UI_State(frmMain& frm, std::int16_t state) {
 }
 
 void Set_UI_Busy(frmMain& frm) {
-    if (frm.session.UI_State == idle) Set_UI_State(frm, busy);
-    if (frm.session.UI_State == locked) Set_UI_State(frm, busy_locked);
+    if (frm.session.UI_State == ui_idle) Set_UI_State(frm, ui_busy);
+    if (frm.session.UI_State == ui_locked) Set_UI_State(frm, ui_busy_locked);
 }
 
 void comLockOptions(frmMain& frm) {
-    Set_UI_State(frm, locked);
+    Set_UI_State(frm, ui_locked);
 }
 
 void comUnlockOptions(frmMain& frm) {
-    Set_UI_State(frm, idle);
+    Set_UI_State(frm, ui_idle);
 }
 
 }  // namespace vkm

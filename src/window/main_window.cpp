@@ -65,7 +65,7 @@ void Load(frmMain& frm) {
     run_plug(frm, frm.increase.cheAuto_Increase_Click);
     Reset_Buffer(frm, 0, frm.images.AP_Buffer);
     Reset_Buffer(frm, 0, frm.images.Data_Buffer);
-    Set_UI_State(frm, 0);
+    Set_UI_State(frm, ui_idle);
 }
 
 bool QueryUnload(frmMain& frm) {
