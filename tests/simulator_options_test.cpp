@@ -36,6 +36,15 @@ TEST(SimulatedOptions, OfLetterAAreOneByte) {
     EXPECT_EQ(options_read(driver), (Bytes{0x48}));
     EXPECT_EQ(write_code(driver, short_frame({0x8D, 0xFF})), 0x8F);
     EXPECT_EQ(write_code(driver, short_frame({0x8D, 0x40, 0x00})), -1);
+    EXPECT_EQ(write_code(driver, short_frame({0x8D, 0x28})), 0x8F);  // of a chip with a PCA
+    EXPECT_EQ(options_read(driver), (Bytes{0x48}));
+}
+
+TEST(SimulatedOptions, OfLetterAKeepTheDoubleSpeedThatWasBurnt) {
+    ChipDriver driver(chip_of("VKM47H516RK"));
+    driver.connect();
+    EXPECT_EQ(write_code(driver, short_frame({0x8D, 0x48})), 0x80);
+    EXPECT_EQ(write_code(driver, short_frame({0x8D, 0x40})), 0x80);
     EXPECT_EQ(options_read(driver), (Bytes{0x48}));
 }
 
@@ -66,6 +75,9 @@ TEST(SimulatedOptions, OfLetterCComeWithAReloadPairOfEitherClockMode) {
     EXPECT_EQ(write_code(driver, short_frame({0x8D, 0xFC, 0xFF, 0xEC, 0xFF})), 0x80);  // doubled
     EXPECT_EQ(options_read(driver), (Bytes{0xFC}));
     EXPECT_EQ(write_code(driver, short_frame({0x8D, 0xFD, 0xFF, 0xF0, 0xFF})), 0x8F);
+    EXPECT_EQ(write_code(driver, short_frame({0x8D, 0xFC, 0xFF, 0xF6, 0xFF})),
+              0x8F);  // not doubled
+    EXPECT_EQ(write_code(driver, short_frame({0x8D, 0xFD, 0xFF, 0xEC, 0xFF})), 0x8F);
     EXPECT_EQ(write_code(driver, short_frame({0x8D, 0xFF, 0xFF, 0xF6, 0xFF})), 0x8F);  // bit 1
     EXPECT_EQ(options_read(driver), (Bytes{0xFC}));
 }

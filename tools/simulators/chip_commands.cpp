@@ -38,12 +38,6 @@ bool is_range_letter(char letter) {
     return letter >= 'D' && letter <= 'G';
 }
 
-std::uint32_t big_endian(Body bytes) {
-    std::uint32_t value = 0;
-    for (const std::uint8_t byte : bytes) value = value << 8 | byte;
-    return value;
-}
-
 std::string hex_number(std::uint32_t value) {
     char text[16];
     std::snprintf(text, sizeof text, "0x%04X", value);

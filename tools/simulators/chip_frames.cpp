@@ -21,6 +21,12 @@ std::size_t length_told(std::span<const std::uint8_t> frame) {
 
 }  // namespace
 
+std::uint32_t big_endian(std::span<const std::uint8_t> bytes) {
+    std::uint32_t value = 0;
+    for (const std::uint8_t byte : bytes) value = value << 8 | byte;
+    return value;
+}
+
 std::uint8_t sum_of(std::span<const std::uint8_t> bytes) {
     unsigned sum = 0;
     for (const std::uint8_t byte : bytes) sum += byte;

@@ -1,7 +1,7 @@
 // The option bytes of a simulated chip: what it reports, takes and refuses.
-#include <algorithm>
 #include <cmath>
 
+#include "catalogue/model_traits.h"
 #include "simulators/simulated_chip.h"
 
 namespace vkm::sim {
@@ -9,7 +9,6 @@ namespace {
 
 using Body = std::span<const std::uint8_t>;
 
-constexpr std::uint8_t code_done = 0x80;
 constexpr std::uint8_t code_busy = 0x81;
 
 // Letters D, E and F got the option byte of the watchdog after 3.6.
@@ -17,19 +16,16 @@ constexpr int watchdog_option = 3;
 constexpr std::uint8_t last_without_watchdog_option = 0x36;
 
 // Bits that the silicon needs as they are told here.
+constexpr std::uint8_t letter_a_kind = 0x40;
+constexpr std::uint8_t letter_a_kind_PCA = 0x20;
 constexpr std::uint8_t letter_a_speed = 0x08;
-constexpr std::uint8_t letter_c_always_0 = 0x02;    // option byte 1
-constexpr std::uint8_t letter_def_always_0 = 0x08;  // option byte 8
-constexpr std::uint8_t runs_on_crystal = 0x02;      // D, E, F: byte 2; G: byte 3
+constexpr std::uint8_t letter_c_normal_speed = 0x01;  // option byte 1
+constexpr std::uint8_t letter_c_always_0 = 0x02;      // option byte 1
+constexpr std::uint8_t letter_def_always_0 = 0x08;    // option byte 8
+constexpr std::uint8_t runs_on_crystal = 0x02;        // D, E, F: byte 2; G: byte 3
 
 // The firmware compares the clock that it is told with its own.
 constexpr double clock_tolerance = 0.01;
-
-std::uint32_t big_endian(Body bytes) {
-    std::uint32_t value = 0;
-    for (const std::uint8_t byte : bytes) value = value << 8 | byte;
-    return value;
-}
 
 }  // namespace
 
@@ -62,11 +58,12 @@ std::string SimulatedChip::objection_to_options(Body body) const {
     switch (silicon_->letter) {
         case 'A': {
             const int kind = body[0] & ~letter_a_speed;
-            return kind == 0x40 || kind == 0x20 ? "" : "option byte of another chip";
+            const int own = has_PCA_option(config_.model) ? letter_a_kind_PCA : letter_a_kind;
+            return kind == own ? "" : "option byte of another chip";
         }
         case 'C':
             if ((body[0] & letter_c_always_0) != 0) return "option bit that has to be 0";
-            return objection_to_pair(body.subspan(1, 2));
+            return objection_to_pair((body[0] & letter_c_normal_speed) == 0, body.subspan(1, 2));
         case 'G':
             return objection_to_clock(body[1], body.last(4));
         default:
@@ -84,15 +81,12 @@ std::string SimulatedChip::objection_to_clock(std::uint8_t source, Body clock) c
     return std::abs(told / clock_ - 1) < clock_tolerance ? "" : "options with a wrong clock";
 }
 
-// The reload pair of the line's rate, for one of the two clock modes.
-std::string SimulatedChip::objection_to_pair(Body pair) const {
+// The reload pair of the line's rate; twice its count for a clock that is to be doubled.
+std::string SimulatedChip::objection_to_pair(bool doubled, Body pair) const {
     if (by_trigger_ || !tested_pair_) return "";
-    const auto count = 65536 - big_endian(pair);
-    const auto count_in_force = 65536 - *tested_pair_;
-    const bool fits = count == static_cast<std::uint32_t>(count_in_force) ||
-                      count == static_cast<std::uint32_t>(2 * count_in_force) ||
-                      count == static_cast<std::uint32_t>(count_in_force / 2);
-    return fits ? "" : "options with a reload pair of another rate";
+    const std::uint32_t in_force = 65536U - *tested_pair_;
+    const std::uint32_t wanted = doubled ? 2 * in_force : in_force;
+    return 65536 - big_endian(pair) == wanted ? "" : "options with a reload pair of another rate";
 }
 
 void SimulatedChip::store_options(Body body) {
@@ -100,7 +94,11 @@ void SimulatedChip::store_options(Body body) {
         options_[static_cast<std::size_t>(number)] = value;
     };
     const std::span<const int> numbers = option_numbers();
-    if (silicon_->letter == 'C') {
+    if (silicon_->letter == 'A') {
+        // Burnt double speed stays: only a programmer that erases the chip takes it back.
+        const int burnt = options_[0] & letter_a_speed;
+        keep(0, static_cast<std::uint8_t>(body[0] | burnt));
+    } else if (silicon_->letter == 'C') {
         keep(1, body[0]);
         keep(8, body[3]);
     } else {

@@ -185,7 +185,7 @@ class SimulatedChip {
     Outcome do_options();
     std::string objection_to_options(std::span<const std::uint8_t> body) const;
     std::string objection_to_clock(std::uint8_t source, std::span<const std::uint8_t> clock) const;
-    std::string objection_to_pair(std::span<const std::uint8_t> pair) const;
+    std::string objection_to_pair(bool doubled, std::span<const std::uint8_t> pair) const;
     void store_options(std::span<const std::uint8_t> body);
     void append_options(std::vector<std::uint8_t>& payload) const;
     bool lacks_watchdog_option() const;
