@@ -211,6 +211,25 @@ TEST(Settings, TheSpeedNumberChoosesTheSpeed) {
     }
 }
 
+// Another family's first choice stands at the place of the speed.
+TEST(Settings, TheSpeedOfAnotherModelCountsForNothing) {
+    ToolRun run;
+    Screen& s = run.frm.screen;
+    run.choose_model("VKM26H2052");
+    run.turn_on(s.Option0[0], s.Option0[1]);        // its own oscillator
+    choose_key(s.TreeViewDevice, "Family26H2052");  // looked at, and left
+    run.run_for(501);
+    EXPECT_EQ(run.stored("DeviceProducts"), "VKM47H51RB");
+    EXPECT_EQ(run.stored("安全锁"), "2");
+
+    test::MemorySettings::Values by_hand = one("安全锁", "4");
+    by_hand[{"Settings", "DeviceProducts"}] = "no such model";
+    ToolRun fallen_back(by_hand);
+    EXPECT_EQ(fallen_back.frm.screen.txtDevice.Text, "VKM47H51RB");
+    EXPECT_EQ(fallen_back.frm.screen.Option0[0].Value, 0);
+    EXPECT_EQ(fallen_back.frm.screen.Option0[1].Value, 1);
+}
+
 TEST(Settings, TheWrittenSpeedNumberBringsTheSameSpeedBack) {
     for (int element : {0, 1}) {
         ToolRun run;

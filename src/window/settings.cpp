@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::string_view section = "Settings";
 constexpr std::string_view default_model = "VKM47H51RB";
+constexpr std::string_view device_key = "DeviceProducts";
+constexpr std::string_view speed_key = "安全锁";
 constexpr std::string_view family_key = "Family";  // how keys of family nodes begin
 constexpr std::int32_t save_delay_ms = 500;
 
@@ -86,14 +88,19 @@ std::string device_text(frmMain& frm) {
 constexpr std::string_view double_speed_number = "4";
 constexpr std::string_view normal_speed_number = "2";
 
-void load_speed(frmMain& frm, std::string_view text, std::string_view) {
+void load_speed(frmMain& frm) {
+    if (trimmed(Get_Setting(frm, device_key, default_model)) != frm.screen.txtDevice.Text) return;
     auto& speed = frm.screen.Option0;
-    const std::int32_t number = leading_integer(text);
+    const std::int32_t number = leading_integer(Get_Setting(frm, speed_key, normal_speed_number));
     if (number > 3) choose(speed[0], speed[1], true);
     if (number % 4 > 1) choose(speed[0], speed[1], false);
 }
 
+// The choice of a model that isn't the one that is stored beside it counts for
+// nothing: another family's first option is no speed.
 std::string speed_text(frmMain& frm) {
+    if (device_text(frm) != frm.catalogue.MCU_Info.MCU_Name)
+        return std::string(normal_speed_number);
     const auto& speed = frm.screen.Option0;
     if (speed[0].Value != 0) return std::string(double_speed_number);
     return speed[1].Value != 0 ? std::string(normal_speed_number) : "0";
@@ -134,12 +141,11 @@ struct Setting {
     std::string (*text)(frmMain&);
 };
 
-constexpr Setting speed_setting = {"安全锁", normal_speed_number, load_speed, speed_text};
-
 // clang-format off
 constexpr Setting settings[] = {
-    {"DeviceProducts",           default_model, load_device, device_text},
-    speed_setting,
+    {device_key,                 default_model, load_device, device_text},
+    // Read back behind the panel's layout.
+    {speed_key,                  "",     nullptr, speed_text},
     {"FilePath",                 "",     nullptr, file_path_text},
     {"COM_port",                 "0",    load_index<&Screen::combCommPort>, index_text<&Screen::combCommPort>},
     {"BeepYesNo",                "True", load_beep, beep_text},
@@ -183,14 +189,12 @@ void Save_Setting(frmMain& frm, std::string_view key, std::string_view value) {
 }
 
 void Load_Settings(frmMain& frm) {
-    const auto load = [&](const Setting& setting) {
+    for (const Setting& setting : settings)
         if (setting.load)
             setting.load(frm, Get_Setting(frm, setting.key, setting.otherwise), setting.otherwise);
-    };
-    std::ranges::for_each(settings, load);
     Device_Node_Click(frm);
     // The model has laid out its panel, with the choices that it begins with.
-    load(speed_setting);
+    load_speed(frm);
 }
 
 void Save_Settings(frmMain& frm) {

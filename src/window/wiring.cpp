@@ -84,8 +84,8 @@ constexpr Wire wire_table[] = {
     // Options
     {"Option9",                  Click,   run<Follow_Watchdog_Choice>},
     {"Option10",                 Click,   run<Follow_Watchdog_Choice>},
-    {"opt_485_pin",              Click,   run_and_save<opt_485_pin_Click>},
-    {"opt_External_WDT",         Click,   run_and_save<opt_External_WDT_Click>},
+    {"opt_485_pin",              Click,   run_and_save<Follow_485_Choice>},
+    {"opt_External_WDT",         Click,   run_and_save<Follow_External_WDT_Choice>},
     {"comb_External_WDT",        Click,   run<Check_Pin_Clash>},
     {"comReadChipLock",          Click,   run<comReadChipLock>},
     {"comLockOptions",           Click,   run<comLockOptions>},
