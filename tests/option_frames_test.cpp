@@ -8,8 +8,8 @@ namespace {
 
 // Every byte has a value of its own, so that none can stand for another; words
 // wider than a byte lose what is above it.
-OptionWords words() {
-    OptionWords words{};
+Option_Words words() {
+    Option_Words words{};
     words[0] = 0x3F;
     words[1] = 0xF5;
     words[2] = 0xFD;
@@ -25,37 +25,37 @@ constexpr int of_families_3_and_4[] = {2, 3, 8, 10, 11};
 constexpr int of_family_6[] = {0, 3, 4, 8, 10, 11};
 
 TEST(OptionFrame, OfFamily0IsOneByte) {
-    EXPECT_EQ(build_option_frame(0x40),
+    EXPECT_EQ(build_family_0_options(0x40),
               (Frame{0x46, 0xB9, 0x6A, 0x00, 0x07, 0x8D, 0x40, 0x3E, 0x16}));
-    EXPECT_EQ(build_option_frame(0x28),
+    EXPECT_EQ(build_family_0_options(0x28),
               (Frame{0x46, 0xB9, 0x6A, 0x00, 0x07, 0x8D, 0x28, 0x26, 0x16}));
 }
 
 TEST(OptionFrame, OfFamily2TakesTheReloadPairBetweenItsTwoBytes) {
-    EXPECT_EQ(build_option_frame(words(), ReloadPair{.high = 0xFE, .low = 0xEC}),
+    EXPECT_EQ(build_family_2_options(words(), ReloadPair{.high = 0xFE, .low = 0xEC}),
               (Frame{0x46, 0xB9, 0x6A, 0x00, 0x0A, 0x8D, 0xF5, 0xFE, 0xEC, 0xF6, 0xD6, 0x16}));
 }
 
 TEST(OptionFrame, OfFamilies3And4IsFiveBytesAndTheClock) {
-    EXPECT_EQ(build_option_frame(words(), of_families_3_and_4, 11059326),
+    EXPECT_EQ(build_options_with_clock(words(), of_families_3_and_4, 11059326),
               (Frame{0x46, 0xB9, 0x6A, 0x00, 0x0F, 0x8D, 0xFD, 0xDF, 0xF6, 0x12, 0x34, 0x00, 0xA8,
                      0xC0, 0x7E, 0x04, 0x16}));
-    EXPECT_EQ(build_option_frame(words(), of_families_3_and_4, 0x12345678),
+    EXPECT_EQ(build_options_with_clock(words(), of_families_3_and_4, 0x12345678),
               (Frame{0x46, 0xB9, 0x6A, 0x00, 0x0F, 0x8D, 0xFD, 0xDF, 0xF6, 0x12, 0x34, 0x12, 0x34,
                      0x56, 0x78, 0x32, 0x16}));
 }
 
 TEST(OptionFrame, OfFamily6IsSixBytesAndTheClock) {
-    EXPECT_EQ(build_option_frame(words(), of_family_6, 11059326),
+    EXPECT_EQ(build_options_with_clock(words(), of_family_6, 11059326),
               (Frame{0x46, 0xB9, 0x6A, 0x00, 0x10, 0x8D, 0x3F, 0xDF, 0xA2, 0xF6, 0x12, 0x34, 0x00,
                      0xA8, 0xC0, 0x7E, 0xE9, 0x16}));
 }
 
 TEST(OptionFrame, WithoutAClockHasFourTimesFF) {
-    EXPECT_EQ(build_option_frame(words(), of_families_3_and_4, std::nullopt),
+    EXPECT_EQ(build_options_with_clock(words(), of_families_3_and_4, std::nullopt),
               (Frame{0x46, 0xB9, 0x6A, 0x00, 0x0F, 0x8D, 0xFD, 0xDF, 0xF6, 0x12, 0x34, 0xFF, 0xFF,
                      0xFF, 0xFF, 0x1A, 0x16}));
-    EXPECT_EQ(build_option_frame(words(), of_family_6, std::nullopt),
+    EXPECT_EQ(build_options_with_clock(words(), of_family_6, std::nullopt),
               (Frame{0x46, 0xB9, 0x6A, 0x00, 0x10, 0x8D, 0x3F, 0xDF, 0xA2, 0xF6, 0x12, 0x34, 0xFF,
                      0xFF, 0xFF, 0xFF, 0xFF, 0x16}));
 }

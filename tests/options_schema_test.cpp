@@ -37,13 +37,13 @@ std::string name_of(const Option_Row& row) {
     return row.Option_Control + "(" + std::to_string(row.Option_Index) + ")";
 }
 
-std::string name_of(Option_Property property) {
+std::string name_of(Property_Kind property) {
     switch (property) {
-        case Option_Property::Caption:
+        case Property_Kind::Caption:
             return "Caption";
-        case Option_Property::Value:
+        case Property_Kind::Value:
             return "Value";
-        case Option_Property::Text:
+        case Property_Kind::Text:
             return "Text";
     }
     return "?";
@@ -68,7 +68,7 @@ std::string canonical_schema() {
         const Rows rows = option_rows(group);
         for (std::size_t i = 0; i < rows.size(); ++i) {
             const Option_Row& r = rows[i];
-            line(group, i, r.Option_Key, name_of(r), name_of(r.Property), r.Option_Visible,
+            line(group, i, r.Option_Key, name_of(r), name_of(r.Option_Property), r.Option_Visible,
                  r.Option_Enable_0, r.Option_Enable_1, r.Option_Enable_2,
                  r.Option_Code.empty() ? "-" : r.Option_Code, quoted(r.Option_Default),
                  quoted(r.Option_Text));
@@ -102,7 +102,7 @@ TEST(OptionSchema, IsTheSameForTheFamilies3And4) {
     for (std::size_t i = 0; i < third.size(); ++i) {
         EXPECT_EQ(third[i].Option_Key, fourth[i].Option_Key) << i;
         EXPECT_EQ(name_of(third[i]), name_of(fourth[i])) << i;
-        EXPECT_EQ(third[i].Property, fourth[i].Property) << i;
+        EXPECT_EQ(third[i].Option_Property, fourth[i].Option_Property) << i;
         EXPECT_EQ(third[i].Option_Default, fourth[i].Option_Default) << i;
         EXPECT_EQ(third[i].Option_Visible, fourth[i].Option_Visible) << i;
         EXPECT_EQ(third[i].Option_Enable_0, fourth[i].Option_Enable_0) << i;
@@ -130,20 +130,20 @@ TEST(OptionSchema, NamesControlsThatExist) {
 
 TEST(OptionSchema, SetsWhatTheKindOfTheControlHas) {
     Screen screen;
-    const std::map<ControlKind, std::set<Option_Property>> properties = {
-        {ControlKind::Label, {Option_Property::Caption}},
-        {ControlKind::Frame, {Option_Property::Caption}},
-        {ControlKind::OptionButton, {Option_Property::Caption, Option_Property::Value}},
-        {ControlKind::CheckBox, {Option_Property::Value}},
-        {ControlKind::TextBox, {Option_Property::Text}},
-        {ControlKind::ComboBox, {Option_Property::Text}},
+    const std::map<ControlKind, std::set<Property_Kind>> properties = {
+        {ControlKind::Label, {Property_Kind::Caption}},
+        {ControlKind::Frame, {Property_Kind::Caption}},
+        {ControlKind::OptionButton, {Property_Kind::Caption, Property_Kind::Value}},
+        {ControlKind::CheckBox, {Property_Kind::Value}},
+        {ControlKind::TextBox, {Property_Kind::Text}},
+        {ControlKind::ComboBox, {Property_Kind::Text}},
     };
     for (int group = 0; group < 8; ++group)
         for (const Option_Row& row : option_rows(group)) {
             const Control* control = find_control(screen, row.Option_Control, row.Option_Index);
             ASSERT_NE(control, nullptr);
             ASSERT_TRUE(properties.contains(control->Kind)) << name_of(row);
-            EXPECT_TRUE(properties.at(control->Kind).contains(row.Property)) << name_of(row);
+            EXPECT_TRUE(properties.at(control->Kind).contains(row.Option_Property)) << name_of(row);
         }
 }
 
@@ -203,7 +203,7 @@ TEST(OptionSchema, GivesCodesToChoicesAlone) {
     for (int group = 0; group < 8; ++group)
         for (const Option_Row& row : option_rows(group)) {
             const bool choice =
-                group != 7 && row.Property == Option_Property::Value && row.Option_Key != "Clew";
+                group != 7 && row.Option_Property == Property_Kind::Value && row.Option_Key != "Clew";
             EXPECT_EQ(!row.Option_Code.empty(), choice) << group << ' ' << row.Option_Key;
         }
 }
@@ -212,7 +212,7 @@ TEST(OptionSchema, HasOneChoiceOfEachSetOnByDefault) {
     for (int group = 0; group < 8; ++group) {
         std::map<std::string, std::vector<std::string>> sets;
         for (const Option_Row& row : option_rows(group))
-            if (row.Property == Option_Property::Value && row.Option_Visible &&
+            if (row.Option_Property == Property_Kind::Value && row.Option_Visible &&
                 row.Option_Index >= 0 && group != 7)
                 sets[row.Option_Control].push_back(row.Option_Default);
         for (const auto& [set, defaults] : sets) {
@@ -248,7 +248,7 @@ TEST(OptionSchema, HasTheDefaultChoicesOfEachFamily) {
     for (const auto& [family, keys] : on) {
         Keys found;
         for (const Option_Row& row : rows_of_family(family))
-            if (row.Property == Option_Property::Value && row.Option_Default == "1")
+            if (row.Option_Property == Property_Kind::Value && row.Option_Default == "1")
                 found.insert(row.Option_Key);
         EXPECT_EQ(found, keys) << family;
     }
@@ -294,9 +294,9 @@ TEST(OptionSchema, HasTheCaptionOfAChoiceAboveItsValue) {
     for (const int group : groups_of_families) {
         const Rows rows = option_rows(group);
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            if (rows[i].Property != Option_Property::Value) continue;
+            if (rows[i].Option_Property != Property_Kind::Value) continue;
             ASSERT_GT(i, 0u);
-            EXPECT_EQ(rows[i - 1].Property, Option_Property::Caption) << rows[i].Option_Key;
+            EXPECT_EQ(rows[i - 1].Option_Property, Property_Kind::Caption) << rows[i].Option_Key;
             EXPECT_EQ(name_of(rows[i - 1]), name_of(rows[i]));
             EXPECT_EQ(rows[i - 1].Option_Text, rows[i].Option_Text);
             EXPECT_TRUE(rows[i - 1].Option_Key.ends_with("Clew")) << rows[i - 1].Option_Key;
@@ -307,7 +307,7 @@ TEST(OptionSchema, HasTheCaptionOfAChoiceAboveItsValue) {
 TEST(OptionSchema, HasTwoChoicesAlwaysDisabled) {
     for (int group = 0; group < 8; ++group)
         for (const Option_Row& row : option_rows(group)) {
-            const bool caption = row.Property == Option_Property::Caption;
+            const bool caption = row.Option_Property == Property_Kind::Caption;
             const bool unchangeable =
                 row.Option_Key == "Unchangeable_WDT_YES" || row.Option_Key == "Unchangeable_WDT_NO";
             EXPECT_EQ(row.Option_Enable_0, row.Option_Visible && !unchangeable) << row.Option_Key;

@@ -636,6 +636,21 @@ TEST(Erase, IsTriedThreeTimes) {
     EXPECT_TRUE(bench.log_has("正在擦除应用程序区... ( 00:10 )"));
 }
 
+// It comes at the end of the wait, or in the pause before the next try.
+TEST(Erase, TakesALateAnswerAtTheEdgeOfItsTime) {
+    for (int late = 4660; late <= 4720; late += 2) {  // the erase itself takes 300 ms
+        SCOPED_TRACE(late);
+        SessionBench bench(
+            {.model = "VKM47W58AD",
+             .faults = {fault_of(sim::FaultKind::delay, sim::FrameKind::erase, late, always)}});
+        bench.load(100);
+        comDownload(bench.frm, 0);
+        expect_good_chip(bench);
+        EXPECT_TRUE(bench.flash_holds(bench.image));
+        EXPECT_LE(bench.chip.counters().erases, 2);
+    }
+}
+
 TEST(Erase, WithoutAnAnswerInThreeTriesFailsTheJob) {
     SessionBench bench({.faults = {lose_frame(sim::FrameKind::erase, always)}});
     bench.load(300);
@@ -1046,6 +1061,22 @@ TEST(Finish, SendsTheTriggerAndALastCommandAndClosesThePort) {
               (std::vector<std::uint8_t>{0x46, 0xB9, 0x6A, 0x00, 0x0A, 0x52, 0x02, 0x00, 0x36, 0x01,
                                          0xFF, 0x16}));
     EXPECT_EQ(written.back().at - written[written.size() - 2].at, Milliseconds(100));
+}
+
+TEST(Finish, LetsTheTriggerLeaveTheSlowestLineWhole) {
+    for (const auto& [baud, wait] : {std::pair{"2400", 100.0}, std::pair{"1200", 120.0}}) {
+        SessionBench bench({.model = "VKM47W58AD"});
+        bench.choose(bench.frm.screen.cobBaudMax, baud);
+        bench.load(10);
+        comDownload(bench.frm, 0);
+        expect_good_chip(bench);
+        const auto& written = bench.port.written;
+        ASSERT_GE(written.size(), 2u);
+        const Written& trigger = written[written.size() - 2];
+        ASSERT_EQ(trigger.bytes[0], 0xFE);
+        EXPECT_NEAR(std::chrono::duration<double>(written.back().at - trigger.at).count() * 1000,
+                    wait, 2);
+    }
 }
 
 TEST(Finish, BeepsOnlyWhenTheOperatorWantsItAndLosesNoTimeByIt) {

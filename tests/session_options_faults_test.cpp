@@ -86,6 +86,48 @@ TEST(OptionWrite, TakesALateAnswerWithinItsTime) {
     }
 }
 
+// It comes at the end of the wait, or in the pause before the next try.
+TEST(OptionWrite, TakesALateAnswerAtTheEdgeOfItsTime) {
+    for (const OptionChip& chip : option_chips) {
+        const int time = chip.letter == 'A' ? 50 : 500;
+        for (const int times : {1, always}) {
+            for (int late = time - 10; late <= time + 14; ++late) {
+                SCOPED_TRACE(std::string(1, chip.letter) + ", " + std::to_string(late) + " ms, " +
+                             std::to_string(times));
+                OptionBench bench = OptionBench::with_other_options(
+                    chip,
+                    {.faults = {fault_of(FaultKind::delay, FrameKind::options, late, times)}});
+                bench.run_job();
+                expect_options_written(bench);
+                EXPECT_LE(bench.option_attempts(), 2);
+                if (HasFailure()) return;
+            }
+        }
+    }
+}
+
+// The line takes of the chip's time what it needs.
+TEST(OptionWrite, GivesTheOldestChipsTheTimeOfASlowLine) {
+    const std::pair<const char*, double> waits[] = {
+        {"9600", 50}, {"4800", 50}, {"2400", 71 + 14}, {"1200", 142 + 14}};
+    for (const auto& [baud, wait] : waits) {
+        SCOPED_TRACE(baud);
+        OptionBench lost = OptionBench::with_other_options(
+            chip_of('A'), {.faults = {lose_frame(FrameKind::options, 1)}});
+        lost.choose(lost.frm.screen.cobBaudMax, baud);
+        lost.run_job();
+        expect_options_written(lost);
+        std::vector<double> at;
+        for (const Written& written : lost.port.written)
+            if (written.bytes.size() == 9 && written.bytes[5] == 0x8D)
+                at.push_back(
+                    std::chrono::duration<double, std::milli>(written.at - lost.loop.start())
+                        .count());
+        ASSERT_EQ(at.size(), 2U);
+        EXPECT_NEAR(at[1] - at[0], wait + 8, 2);
+    }
+}
+
 TEST(OptionWrite, ReadsTheStatusAgainWhenItIsLostAndFailsWithTheThird) {
     for (const OptionChip& chip : option_chips) {
         for (const FaultKind kind : {FaultKind::lose_frame, FaultKind::lose_reply}) {

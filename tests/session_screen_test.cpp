@@ -18,11 +18,11 @@ namespace vkm::test {
 namespace {
 
 const std::set<std::string> idle_only = {
-    "txtDevice",          "txtAP_FileStart", "txtFileCheckSum", "cheClearAP_Buffer",
-    "cheClearDataBuffer", "comLoadFile",     "Command3",        "comTJXZ",
-    "comDebugContinue",   "comOpenCOM",      "comDebugClear",   "comLockOptions",
-    "comMastWindow",      "comDebugSend",    "comAutoSend",     "comSendUserCode",
-    "comStoreFile",       "comDownSoft_ICE"};
+    "txtDevice",          "txtAP_FileStart",  "txtFileCheckSum",  "cheClearAP_Buffer",
+    "cheClearDataBuffer", "comLoadFile",      "Command3",         "comTJXZ",
+    "comLoadDataFile",    "txtDataFileStart", "comDebugContinue", "comOpenCOM",
+    "comDebugClear",      "comLockOptions",   "comMastWindow",    "comDebugSend",
+    "comAutoSend",        "comSendUserCode",  "comStoreFile",     "comDownSoft_ICE"};
 const std::set<std::string> not_busy = {
     "comDownload",      "comDebugHelp",      "comOpenBatchFile",     "comSaveBatchFile",
     "comUnlockOptions", "com_Demo_DownLoad", "com_Demo_Re_DownLoad", "comReadChipLock"};
@@ -33,7 +33,7 @@ void grant_own_conditions(frmMain& frm) {
     frm.screen.txt_Start_Address.Text = "0000";
     frm.screen.txt_length.Text = "400";
     frm.catalogue.SoftICE_Enable = true;
-    frm.screen.comLoadDataFile.Enabled = true;
+    frm.catalogue.MCU_Info.MCU_Family = 2;
 }
 
 TEST(UIState, LeavesOffWhatLacksMoreThanAnIdleTool) {
@@ -46,7 +46,7 @@ TEST(UIState, LeavesOffWhatLacksMoreThanAnIdleTool) {
     EXPECT_TRUE(screen.cheClearDataBuffer.Enabled);
     screen.txt_Start_Address.Text.clear();
     world.frm.catalogue.SoftICE_Enable = false;
-    screen.comLoadDataFile.Enabled = false;
+    world.frm.catalogue.MCU_Info.MCU_Family = 0;
     Set_UI_State(world.frm, 0);
     EXPECT_FALSE(screen.comStoreFile.Enabled);
     EXPECT_FALSE(screen.comDownSoft_ICE.Enabled);
@@ -66,7 +66,6 @@ TEST(UIState, EnablesEachControlByTheState) {
             for_each_control(world.frm.screen, [&](Control& c) {
                 const std::string name(c.Name);
                 bool wanted = before;  // the state says nothing of the others
-                if (name == "comLoadDataFile") wanted = true;
                 if (idle_only.contains(name)) wanted = state == 0;
                 if (not_busy.contains(name)) wanted = state == 0 || state == 2;
                 if (busy_only.contains(name)) wanted = state == 1 || state == 3;
@@ -115,8 +114,10 @@ TEST(UIState, LeavesTheDataControlsOffForAModelWithoutThem) {
     Screen& screen = world.frm.screen;
     for (const bool has_data : {false, true}) {
         grant_own_conditions(world.frm);
-        screen.comLoadDataFile.Enabled = has_data;
+        world.frm.catalogue.MCU_Info.MCU_Family = has_data ? 2 : 0;
         Set_UI_State(world.frm, 0);
+        EXPECT_EQ(screen.comLoadDataFile.Enabled, has_data);
+        EXPECT_EQ(screen.txtDataFileStart.Enabled, has_data);
         EXPECT_EQ(screen.cheClearDataBuffer.Enabled, has_data);
         EXPECT_EQ(screen.txtDataFileCheckSum.Enabled, has_data);
         EXPECT_EQ(screen.cheData_Auto_Increase.Enabled, has_data);

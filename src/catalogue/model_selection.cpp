@@ -62,7 +62,7 @@ std::string Apply_Model(frmMain& frm) {
 
     frm.screen.comDownSoft_ICE.Enabled = catalogue.SoftICE_Enable;
     Data_Memory_Controls(frm, false);
-    if (model.MCU_Family < 1 || model.MCU_Family > 6) {
+    if (!has_data_memory(model)) {
         Mark_Absent_Tabs(frm);
         TabStrip1_Click(frm);
     } else {
@@ -74,6 +74,10 @@ std::string Apply_Model(frmMain& frm) {
     restart_timer(frm, frm.timers.Timer3, settle_ms);
     Arrange_Options(frm);
     return name;
+}
+
+bool has_data_memory(const MCU_Record& model) {
+    return model.MCU_Family >= 1 && model.MCU_Family <= 6;
 }
 
 void Data_Memory_Controls(frmMain& frm, bool enabled) {

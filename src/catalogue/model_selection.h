@@ -27,6 +27,9 @@ void Device_Node_Click(frmMain& frm);
 // there is no such model (the operator has been told, the record stays).
 std::string Apply_Model(frmMain& frm);
 
+// The family has a data memory and tabs of its own: all but family 0.
+bool has_data_memory(const MCU_Record& model);
+
 // Enables or disables what belongs to the data memory.
 void Data_Memory_Controls(frmMain& frm, bool enabled);
 

@@ -12,6 +12,7 @@
 #include "link/exchange_frames.h"
 #include "link/isp_link.h"
 #include "link/link_texts.h"
+#include "link/reply_gathering.h"
 #include "link/status_frame.h"
 #include "options/mcu_options.h"
 #include "options/option_display.h"
@@ -39,7 +40,6 @@ constexpr std::int32_t advice_ms = 4000;  // a chip that is silent so long gets 
 constexpr int status_tries = 3;
 constexpr int lock_tries = 4;
 constexpr std::int32_t status_retry_ms = 50;
-constexpr std::int32_t status_pause_ms = 5;
 constexpr std::int32_t status_answer_ms = 900;
 
 constexpr int baud_attempts = 4;
@@ -333,6 +333,22 @@ int enter_programming(frmMain& frm, std::int32_t& newbaud) {
                             : bring_to_fastest_baud(frm, newbaud);
 }
 
+// ---- the status read --------------------------------------------------------------
+
+bool is_status(const LinkState& link) {
+    return link.rx_frame[1] * 256 + link.rx_frame[2] >= shortest_status_reply;
+}
+
+// An acknowledgement that came late, or twice, is no status: passing for one it
+// would tell of options that the chip hasn't got.
+void try_status_read(frmMain& frm, Try which) {
+    bool answered = try_request(frm, build_status_read(), status_answer_ms, which);
+    while (answered && !is_status(frm.link)) {
+        forget_reply(frm.link);
+        answered = wait_for_armed_timer(frm, frm.timers.Timer7);
+    }
+}
+
 }  // namespace
 
 int handshake(frmMain& frm, std::int32_t& newbaud, bool ReadChipLock_just) {
@@ -372,10 +388,7 @@ void Read_Chip_Status(frmMain& frm, std::int16_t flag) {
             clear_buffers(frm);
             wait_ms(frm, status_retry_ms);
         }
-        link.receive_enabled = true;
-        wait_ms(frm, status_pause_ms);
-        write_and_settle(frm, build_status_read());
-        wait_for_frame(frm, status_answer_ms);
+        try_status_read(frm, tries == 0 ? Try::first : Try::repeat);
     }
     compose_options(frm);
     if (!link.frame_ok) return;

@@ -75,9 +75,12 @@ void write_frame(frmMain& frm, std::span<const std::uint8_t> bytes);
 // sync pulses, a trigger.
 void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes);
 
-// Writes a request, forgetting what came before it; if bytes are still unsent lets
-// events run once; waits 3 ms.
-void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes);
+// The same request may be tried again; a late answer to the try before then counts,
+// also while the repeat is on the wire.
+enum class Try { first, repeat };
+
+// Writes a request; if bytes are still unsent lets events run once; waits 3 ms.
+void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes, Try which = Try::first);
 
 // One block of `count` bytes of the image from `address`: 0 when the chip
 // acknowledged it, else -1.
@@ -107,6 +110,18 @@ bool wait_for_armed_timer(frmMain& frm, const Timer& timer);
 
 // How long a block's answer may take (ms), by the chip's clock and the baud.
 std::int32_t reply_timeout(double crystal_frequency, std::int32_t baud);
+
+// How long an answer may take (ms): at_least_ms, or longer where the line alone
+// needs it for so many bytes of request and answer, with chip_ms beside.
+std::int32_t answer_time(const frmMain& frm, std::int32_t at_least_ms, std::size_t bytes,
+                         std::int32_t chip_ms);
+
+// One try of a request: 5 ms for a chip that has just answered, the frame, and the
+// wait. What comes in the pause of the first try answers something older and is
+// forgotten; in that of a repeat it is the late answer to the try before, which is
+// as good, and nothing is written. True when a frame came.
+bool try_request(frmMain& frm, std::span<const std::uint8_t> frame, std::int32_t timeout_ms,
+                 Try which);
 
 // Sets Timer7 to that and starts it.
 void arm_reply_timer(frmMain& frm);

@@ -75,8 +75,8 @@ struct LinkState {
 
     // ---- what stands above the link and is called from it ----
     // Filled by src/window at start-up; a plug that is null is passed over.
-    void (*Receive_Event)(frmMain&) = nullptr;     // on_port_event, for the event loop
-    bool (*Check_Model)(frmMain&) = nullptr;       // the chip fits the selected model
+    void (*Receive_Event)(frmMain&) = nullptr;  // on_port_event, for the event loop
+    bool (*Check_Model)(frmMain&) = nullptr;    // the chip fits the selected model
     void (*Monitor_Bytes)(frmMain&, const std::vector<std::uint8_t>&) = nullptr;  // debug_mode
 };
 

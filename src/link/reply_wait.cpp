@@ -3,6 +3,7 @@
 #include <array>
 
 #include "link/isp_link.h"
+#include "link/reply_gathering.h"
 #include "text/numbers.h"
 #include "waiting/waiting.h"
 
@@ -17,6 +18,8 @@ struct ClockRow {
 constexpr std::array<ClockRow, 5> by_clock = {
     {{3e6, 4000}, {4e6, 3000}, {6e6, 2000}, {8e6, 1500}, {1.2e7, 1200}}};
 constexpr std::int32_t shortest_timeout_ms = 1000;
+
+constexpr std::int32_t pause_before_ms = 5;  // for a chip that has just answered
 
 // On a slow line the block itself takes this long.
 struct BaudRow {
@@ -36,6 +39,25 @@ std::int32_t reply_timeout(double crystal_frequency, std::int32_t baud) {
     const auto line = std::find_if(by_baud.begin(), by_baud.end(),
                                    [&](const BaudRow& row) { return baud <= row.up_to; });
     return line != by_baud.end() ? std::max(timeout, line->at_least_ms) : timeout;
+}
+
+std::int32_t answer_time(const frmMain& frm, std::int32_t at_least_ms, std::size_t bytes,
+                         std::int32_t chip_ms) {
+    const Microseconds on_line = time_on_wire(frm.platform.port, bytes);
+    const auto line_ms = std::chrono::ceil<Milliseconds>(on_line).count();
+    return std::max(at_least_ms, static_cast<std::int32_t>(line_ms) + chip_ms);
+}
+
+bool try_request(frmMain& frm, std::span<const std::uint8_t> frame, std::int32_t timeout_ms,
+                 Try which) {
+    frm.link.receive_enabled = true;
+    wait_ms(frm, pause_before_ms);
+    if (which == Try::first)
+        forget_reply(frm.link);
+    else if (frm.link.frame_ok)
+        return true;
+    write_and_settle(frm, frame, which);
+    return wait_for_frame(frm, timeout_ms);
 }
 
 void arm_reply_timer(frmMain& frm) {

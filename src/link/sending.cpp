@@ -88,11 +88,8 @@ void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes) {
     frm.platform.port.write(bytes);
 }
 
-void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes) {
-    // A frame that came in the pause before answers something older: an answer that
-    // came twice, or late.
-    forget_reply(frm.link);
-    write_frame(frm, bytes);
+void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes, Try which) {
+    which == Try::first ? write_frame(frm, bytes) : write_signal(frm, bytes);
     if (frm.platform.port.output_count() > 0) process_events(frm);
     wait_ms(frm, settle_ms);
 }

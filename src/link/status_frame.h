@@ -39,6 +39,10 @@ struct StatusReply {
     std::uint8_t option = 0;
     std::vector<std::uint8_t> options;  // six bytes: more than any family has
 };
+// Length field of the shortest answer to the status read, with one option byte. What
+// is shorter answers something else.
+inline constexpr int shortest_status_reply = 16;
+
 StatusReply decode_status_reply(std::span<const std::uint8_t> frame);
 
 // The byte numbers under which a chip's option bytes are kept, in the order in

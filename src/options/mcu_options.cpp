@@ -18,11 +18,11 @@ std::int16_t family(const frmMain& frm) {
     return frm.catalogue.MCU_Info.MCU_Family;
 }
 
-std::string state_of(const Control& control, Option_Property property) {
+std::string state_of(const Control& control, Property_Kind property) {
     switch (property) {
-        case Option_Property::Caption:
+        case Property_Kind::Caption:
             return control.Caption;
-        case Option_Property::Text:
+        case Property_Kind::Text:
             return std::string(text_of(control));
         default:
             return control.Value != 0 ? "True" : "False";
@@ -47,8 +47,7 @@ void apply_prescaler(frmMain& frm, const Rows& rows) {
     byte = static_cast<std::int16_t>((byte & all_but_prescaler) | bits);
 }
 
-std::string state_of_key(const frmMain& frm, std::string_view key,
-                         const std::array<std::int16_t, option_byte_count>& bytes) {
+std::string state_of_key(const frmMain& frm, std::string_view key, const Option_Words& bytes) {
     const Rows* rows = family_rows(frm);
     const Option_Row* row = rows ? find_row(*rows, key) : nullptr;
     return row ? std::string(bit_state(row->Option_Code, bytes)) : std::string();
@@ -87,11 +86,12 @@ void Refresh_Option_State(frmMain& frm) {
     for (Option_Row& row : *rows) {
         if (row.Option_Code.empty() && row.Option_Key != option_key::prescaler) continue;
         const Control* control = control_of(frm.screen, row);
-        if (control) row.Option_State = state_of(*control, row.Property);
+        if (control) row.Option_State = state_of(*control, row.Option_Property);
     }
 }
 
-// A byte without an entry ends the filling: the words keep what they held.
+// A byte without an entry ends the filling: chips of that family take no option
+// bytes of this kind, and the words keep what they held.
 void Fill_Option_Defaults(frmMain& frm) {
     auto& [value, and_mask, or_mask, unused] = frm.options.Option_Bytes;
     for (std::size_t byte = 0; byte < option_byte_count; ++byte) {

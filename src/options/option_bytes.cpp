@@ -65,8 +65,7 @@ std::optional<Option_Bit> option_bit(std::string_view Option_Code) {
     return Option_Bit{byte, *bit, *value > 0 ? 1 : 0};
 }
 
-std::string_view bit_state(std::string_view Option_Code,
-                           const std::array<std::int16_t, option_byte_count>& bytes) {
+std::string_view bit_state(std::string_view Option_Code, const Option_Words& bytes) {
     const auto place = option_bit(Option_Code);
     if (!place) return {};
     const bool set = (bytes[place->byte] & Bit_Set_Mask[place->bit]) != 0;
@@ -89,6 +88,18 @@ std::optional<std::size_t> prescaler_byte(std::int16_t MCU_Family) {
             return 3;
         case 6:
             return 4;
+        default:
+            return std::nullopt;
+    }
+}
+
+std::optional<std::size_t> clock_source_byte(std::int16_t MCU_Family) {
+    switch (MCU_Family) {
+        case 3:
+        case 4:
+            return 2;
+        case 6:
+            return 3;
         default:
             return std::nullopt;
     }

@@ -1,6 +1,5 @@
 #include "options/option_display.h"
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -29,7 +28,6 @@ constexpr Read_Form form_of_DEF = {4, 0, option_text::heading_indented};
 constexpr std::uint8_t double_speed_bit = 0x08;  // of the option byte of letter A
 constexpr std::size_t heading_line = 1;          // of LabLock
 constexpr std::size_t first_option_line = 2;
-constexpr int group_of_family_6 = 5;
 
 Rows& rows_of(frmMain& frm, int group) {
     return frm.options.MCU_Options[static_cast<std::size_t>(group)];
@@ -56,10 +54,10 @@ void show_line(frmMain& frm, std::size_t line, std::string_view text) {
 void decode_prescaler(frmMain& frm, int group) {
     Rows& rows = rows_of(frm, group);
     Option_Row* row = find_row(rows, option_key::prescaler);
-    if (!row) return;
+    const auto byte = prescaler_byte(family_of_group(group));
+    if (!row || !byte) return;
     const Option_Row* watchdog = find_row(rows, option_key::power_on_run_WDT);
     const bool runs = watchdog && agrees(*watchdog);
-    const auto byte = prescaler_byte(group == group_of_family_6 ? 6 : 4);
     row->Option_State = "1";
     row->Option_Text = runs ? option_text::prescaler_runs : option_text::prescaler_rests;
     row->Option_Text += std::to_string(prescaler_of(frm.options.Chip_Bytes[*byte]));

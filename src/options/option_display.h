@@ -10,6 +10,9 @@
 
 namespace vkm {
 
+// The version, letter and flag come with every answer; what is shown goes by
+// Chip_Version and Chip_Letter, which the handshake has made of them.
+
 // The chip's model and firmware in the log, then its options by the letter. Sets
 // Chip_Double_Speed for the letters that tell it here.
 void Show_Chip_Info(frmMain& frm, std::uint8_t version, std::uint8_t letter, std::uint8_t option);

@@ -42,14 +42,14 @@ void show_extras(Screen& s, bool visible) {
 
 void set_default(Control& control, const Option_Row& row) {
     if (row.Option_Default.empty()) return;
-    switch (row.Property) {
-        case Option_Property::Caption:
+    switch (row.Option_Property) {
+        case Property_Kind::Caption:
             control.Caption = row.Option_Default;
             break;
-        case Option_Property::Value:
+        case Property_Kind::Value:
             control.Value = row.Option_Default == "1" ? 1 : 0;
             break;
-        case Option_Property::Text:
+        case Property_Kind::Text:
             choose_text(control, row.Option_Default);
             break;
     }
@@ -65,13 +65,19 @@ void apply_rows(frmMain& frm, const Rows& rows) {
 
 // ---- the order of its lines ------------------------------------------------
 
+constexpr std::string_view label_control = "LabOption";
+
+std::string full_name(std::string_view control, int index) {
+    std::string name(control);
+    return index < 0 ? name : name + "(" + std::to_string(index) + ")";
+}
+
 std::string name_of(const Option_Row& row) {
-    if (row.Option_Index < 0) return row.Option_Control;
-    return row.Option_Control + "(" + std::to_string(row.Option_Index) + ")";
+    return full_name(row.Option_Control, row.Option_Index);
 }
 
 std::string name_of(const Control& control) {
-    return std::string(control.Name);
+    return full_name(control.Name, control.Index);
 }
 
 // A label begins a line; the choices behind it stand beside it.
@@ -80,13 +86,13 @@ Entries lines_of(const Screen& s, const Rows& rows) {
     std::string line;
     for (const Option_Row& row : rows) {
         if (!row.Option_Visible) continue;
-        if (row.Option_Control == s.LabOption[0].Name) {
+        if (row.Option_Control == label_control) {
             line = name_of(row);
             lines.push_back({line, "", ""});
         } else if (row.Option_Key == option_key::prescaler) {
             lines.push_back({name_of(s.Label20), "", ""});
             lines.push_back({name_of(row), "", name_of(s.Label20)});
-        } else if (row.Property == Option_Property::Value) {
+        } else if (row.Option_Property == Property_Kind::Value) {
             lines.push_back({name_of(row), "", line});
         }
     }
@@ -119,7 +125,7 @@ void arrange_family_0(Screen& s) {
 
 void arrange_family_1(Screen& s) {
     show_remark(s.LabOption[0], option_text::no_options);
-    s.Frame16.List = {{"LabOption(0)", "", ""}};
+    s.Frame16.List = {{name_of(s.LabOption[0]), "", ""}};
 }
 
 void arrange_newer_family(Screen& s, bool has_watchdog_list) {
@@ -194,8 +200,8 @@ void Arrange_Options(frmMain& frm) {
     if (family >= 2) arrange_newer_family(s, family >= 3);
     if (family == 6) arrange_family_6(s, *rows);
     enable_family(frm, frm.session.UI_State);
-    opt_485_pin_Click(frm);
-    opt_External_WDT_Click(frm);
+    Follow_485_Choice(frm);
+    Follow_External_WDT_Choice(frm);
 }
 
 void Apply_Option_Enable(frmMain& frm, std::int16_t state) {
@@ -207,7 +213,7 @@ void Follow_Watchdog_Choice(frmMain& frm) {
     follow_watchdog(frm, frm.session.UI_State);
 }
 
-void opt_485_pin_Click(frmMain& frm) {
+void Follow_485_Choice(frmMain& frm) {
     Screen& s = frm.screen;
     const bool used = s.opt_485_pin[1].Value != 0;
     for (Control* control :
@@ -215,7 +221,7 @@ void opt_485_pin_Click(frmMain& frm) {
         control->Enabled = used;
 }
 
-void opt_External_WDT_Click(frmMain& frm) {
+void Follow_External_WDT_Choice(frmMain& frm) {
     Screen& s = frm.screen;
     s.comb_External_WDT.Enabled = s.opt_External_WDT[1].Value != 0;
 }

@@ -23,8 +23,8 @@ void Apply_Option_Enable(frmMain& frm, std::int16_t state);
 void Follow_Watchdog_Choice(frmMain& frm);
 
 // A pin can be chosen only while it is used.
-void opt_485_pin_Click(frmMain& frm);
-void opt_External_WDT_Click(frmMain& frm);
+void Follow_485_Choice(frmMain& frm);
+void Follow_External_WDT_Choice(frmMain& frm);
 
 // Tells the operator when both selectors show the same pin; the choice stays.
 void Check_Pin_Clash(frmMain& frm);

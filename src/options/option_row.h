@@ -7,13 +7,13 @@
 namespace vkm {
 
 // What a row sets and reads of its control.
-enum class Option_Property { Caption, Value, Text };
+enum class Property_Kind { Caption, Value, Text };
 
 struct Option_Row {
     std::string Option_Key;      // stored in project files; "Clew" rows are decoration
     std::string Option_Control;  // name of the panel's control
     int Option_Index = -1;       // its place in its array, -1 for a control that is none
-    Option_Property Property = Option_Property::Caption;
+    Property_Kind Option_Property = Property_Kind::Caption;
     std::string Option_Default;  // the property when the panel is laid out; empty: left alone
     std::string Option_State;    // empty at rest; "True" or "False" from the panel before
                                  // composing; "1" or "0" from the chip after a read-back

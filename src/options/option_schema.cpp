@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <span>
+#include <string>
+#include <utility>
 
 #include "text/trimming.h"
 
@@ -13,17 +15,17 @@ namespace {
 enum class Line_Kind { label, choice, list, parked, general };
 
 struct Line {
-    Line_Kind kind;
-    std::string_view key;
-    std::string_view caption_key;  // of a choice's caption row
-    std::string_view control;      // of a general item
-    int array;                     // Option0 to Option12
-    int element;                   // in the array, or of LabOption
-    std::string_view caption;
-    std::string_view default_value;
-    std::string_view text;  // after a read-back
-    std::string_view code;
-    Option_Property property;
+    Line_Kind kind = Line_Kind::label;
+    std::string_view key{};
+    std::string_view caption_key{};  // of a choice's caption row
+    std::string_view control{};      // of a general item
+    int array = 0;                   // Option0 to Option12
+    int element = -1;                // in the array, or of LabOption
+    std::string_view caption{};
+    std::string_view value{};  // the default
+    std::string_view text{};   // after a read-back
+    std::string_view code{};
+    Property_Kind property = Property_Kind::Caption;  // of a general item
 };
 
 constexpr std::string_view decoration = "Clew";
@@ -31,7 +33,7 @@ constexpr std::string_view on = "1";
 constexpr std::string_view off = "0";
 
 constexpr Line label(std::string_view key, int element, std::string_view caption) {
-    return {Line_Kind::label, key, {}, {}, 0, element, caption, {}, {}, {}, {}};
+    return {.kind = Line_Kind::label, .key = key, .element = element, .caption = caption};
 }
 
 constexpr Line remark(int element, std::string_view caption) {
@@ -42,22 +44,34 @@ constexpr Line remark(int element, std::string_view caption) {
 constexpr Line choice(int array, int element, std::string_view key, std::string_view caption_key,
                       std::string_view caption, std::string_view value, std::string_view text,
                       std::string_view code) {
-    return {Line_Kind::choice, key,   caption_key, {},   array, element,
-            caption,           value, text,        code, {}};
+    return {.kind = Line_Kind::choice,
+            .key = key,
+            .caption_key = caption_key,
+            .array = array,
+            .element = element,
+            .caption = caption,
+            .value = value,
+            .text = text,
+            .code = code};
 }
 
 constexpr Line prescaler(std::string_view text) {
-    return {Line_Kind::list, option_key::prescaler, {}, {}, 0, -1, {}, "256", text, {}, {}};
+    return {.kind = Line_Kind::list, .key = option_key::prescaler, .value = "256", .text = text};
 }
 
 // A pair of option buttons that the family has no use for.
 constexpr Line parked(int array) {
-    return {Line_Kind::parked, decoration, {}, {}, array, 0, {}, {}, {}, {}, {}};
+    return {.kind = Line_Kind::parked, .key = decoration, .array = array};
 }
 
 constexpr Line item(std::string_view key, std::string_view control, int element,
-                    Option_Property property, std::string_view value = {}) {
-    return {Line_Kind::general, key, {}, control, 0, element, {}, value, {}, {}, property};
+                    Property_Kind property, std::string_view value = {}) {
+    return {.kind = Line_Kind::general,
+            .key = key,
+            .control = control,
+            .element = element,
+            .value = value,
+            .property = property};
 }
 
 // clang-format off
@@ -159,27 +173,27 @@ constexpr Line family_6[] = {
 };
 
 constexpr Line general_items[] = {
-  item("MCU_Type",              "txtDevice",            -1, Option_Property::Text),
-  item("File_Name",             "Frame7",               -1, Option_Property::Caption, "File Buffer: "),
-  item("File_Check_Sum",        "txtFileCheckSum",      -1, Option_Property::Text),
-  item("Dtat_File_Name",        "frmDataFlash",         -1, Option_Property::Caption, "Data File: "),
-  item("Dtat_File_CheckSum",    "txtDataFileCheckSum",  -1, Option_Property::Text),
-  item("Auto_Increase_Enable",  "cheAuto_Increase",     -1, Option_Property::Value),
-  item("Auto_Increase_Address", "texAuto_Increase",      0, Option_Property::Text),
-  item("Auto_Increase_Bytes",   "texAuto_Increase",      1, Option_Property::Text),
-  item("Auto_Increase_Next",    "texAuto_Increase",      2, Option_Property::Text),
-  item("Auto_Increase",         "texAuto_Increase",      3, Option_Property::Text),
-  item("Auto_Increase_HEX",     "optAuto_Increase",      0, Option_Property::Value, on),
-  item("Auto_Increase_BCD",     "optAuto_Increase",      1, Option_Property::Value),
-  item("Auto_Increase_ASCII",   "optAuto_Increase",      2, Option_Property::Value),
-  item("Data_Increase_Enable",  "cheData_Auto_Increase", -1, Option_Property::Value),
-  item("Data_Increase_Address", "texData_Auto_Increase", 0, Option_Property::Text),
-  item("Data_Increase_Bytes",   "texData_Auto_Increase", 1, Option_Property::Text),
-  item("Data_Increase_Next",    "texData_Auto_Increase", 2, Option_Property::Text),
-  item("Data_Increase",         "texData_Auto_Increase", 3, Option_Property::Text),
-  item("Data_Increase_HEX",     "optData_Auto_Increase", 0, Option_Property::Value, on),
-  item("Data_Increase_BCD",     "optData_Auto_Increase", 1, Option_Property::Value),
-  item("Data_Increase_ASCII",   "optData_Auto_Increase", 2, Option_Property::Value),
+  item("MCU_Type",              "txtDevice",            -1, Property_Kind::Text),
+  item("File_Name",             "Frame7",               -1, Property_Kind::Caption, "File Buffer: "),
+  item("File_Check_Sum",        "txtFileCheckSum",      -1, Property_Kind::Text),
+  item("Dtat_File_Name",        "frmDataFlash",         -1, Property_Kind::Caption, "Data File: "),
+  item("Dtat_File_CheckSum",    "txtDataFileCheckSum",  -1, Property_Kind::Text),
+  item("Auto_Increase_Enable",  "cheAuto_Increase",     -1, Property_Kind::Value),
+  item("Auto_Increase_Address", "texAuto_Increase",      0, Property_Kind::Text),
+  item("Auto_Increase_Bytes",   "texAuto_Increase",      1, Property_Kind::Text),
+  item("Auto_Increase_Next",    "texAuto_Increase",      2, Property_Kind::Text),
+  item("Auto_Increase",         "texAuto_Increase",      3, Property_Kind::Text),
+  item("Auto_Increase_HEX",     "optAuto_Increase",      0, Property_Kind::Value, on),
+  item("Auto_Increase_BCD",     "optAuto_Increase",      1, Property_Kind::Value),
+  item("Auto_Increase_ASCII",   "optAuto_Increase",      2, Property_Kind::Value),
+  item("Data_Increase_Enable",  "cheData_Auto_Increase", -1, Property_Kind::Value),
+  item("Data_Increase_Address", "texData_Auto_Increase", 0, Property_Kind::Text),
+  item("Data_Increase_Bytes",   "texData_Auto_Increase", 1, Property_Kind::Text),
+  item("Data_Increase_Next",    "texData_Auto_Increase", 2, Property_Kind::Text),
+  item("Data_Increase",         "texData_Auto_Increase", 3, Property_Kind::Text),
+  item("Data_Increase_HEX",     "optData_Auto_Increase", 0, Property_Kind::Value, on),
+  item("Data_Increase_BCD",     "optData_Auto_Increase", 1, Property_Kind::Value),
+  item("Data_Increase_ASCII",   "optData_Auto_Increase", 2, Property_Kind::Value),
 };
 // clang-format on
 
@@ -193,14 +207,14 @@ bool is_unchangeable(std::string_view key) {
 }
 
 // Captions stay readable while the values are frozen.
-Option_Row make_row(std::string_view key, std::string control, int index, Option_Property property,
+Option_Row make_row(std::string_view key, std::string control, int index, Property_Kind property,
                     std::string_view value) {
-    const bool caption = property == Option_Property::Caption;
+    const bool caption = property == Property_Kind::Caption;
     Option_Row row;
     row.Option_Key = key;
     row.Option_Control = std::move(control);
     row.Option_Index = index;
-    row.Property = property;
+    row.Option_Property = property;
     row.Option_Default = trimmed(value);
     row.Option_Enable_0 = caption || !is_unchangeable(key);
     row.Option_Enable_1 = caption;
@@ -215,10 +229,10 @@ std::string name_of_array(int array) {
 void add_choice(std::vector<Option_Row>& rows, const Line& line) {
     const std::string control = name_of_array(line.array);
     for (const bool value_row : {false, true}) {
-        Option_Row row = value_row ? make_row(line.key, control, line.element,
-                                              Option_Property::Value, line.default_value)
-                                   : make_row(line.caption_key, control, line.element,
-                                              Option_Property::Caption, line.caption);
+        Option_Row row =
+            value_row ? make_row(line.key, control, line.element, Property_Kind::Value, line.value)
+                      : make_row(line.caption_key, control, line.element, Property_Kind::Caption,
+                                 line.caption);
         row.Option_Text = trimmed(line.text);
         if (value_row) row.Option_Code = line.code;
         rows.push_back(std::move(row));
@@ -227,7 +241,7 @@ void add_choice(std::vector<Option_Row>& rows, const Line& line) {
 
 void add_parked(std::vector<Option_Row>& rows, const Line& line) {
     for (const int element : {0, 1})
-        for (const auto property : {Option_Property::Caption, Option_Property::Value}) {
+        for (const auto property : {Property_Kind::Caption, Property_Kind::Value}) {
             Option_Row row = make_row(line.key, name_of_array(line.array), element, property, {});
             row.Option_Visible = row.Option_Enable_0 = false;
             row.Option_Enable_1 = row.Option_Enable_2 = false;
@@ -238,23 +252,23 @@ void add_parked(std::vector<Option_Row>& rows, const Line& line) {
 void add_rows(std::vector<Option_Row>& rows, const Line& line) {
     switch (line.kind) {
         case Line_Kind::label:
-            rows.push_back(make_row(line.key, "LabOption", line.element, Option_Property::Caption,
+            rows.push_back(make_row(line.key, "LabOption", line.element, Property_Kind::Caption,
                                     line.caption));
             break;
         case Line_Kind::choice:
             add_choice(rows, line);
             break;
         case Line_Kind::list:
-            rows.push_back(make_row(line.key, "comWDT_Prescalar", line.element,
-                                    Option_Property::Text, line.default_value));
-            rows.back().Option_Text = line.text;
+            rows.push_back(make_row(line.key, "comWDT_Prescalar", line.element, Property_Kind::Text,
+                                    line.value));
+            rows.back().Option_Text = trimmed(line.text);
             break;
         case Line_Kind::parked:
             add_parked(rows, line);
             break;
         case Line_Kind::general:
             rows.push_back(make_row(line.key, std::string(line.control), line.element,
-                                    line.property, line.default_value));
+                                    line.property, line.value));
             break;
     }
 }
@@ -300,6 +314,11 @@ std::optional<int> option_group(std::int16_t MCU_Family) {
         default:
             return std::nullopt;
     }
+}
+
+std::int16_t family_of_group(int group) {
+    constexpr int group_of_family_6 = 5;
+    return static_cast<std::int16_t>(group == group_of_family_6 ? 6 : group);
 }
 
 Option_Row* find_row(std::vector<Option_Row>& rows, std::string_view key) {

@@ -1,9 +1,10 @@
 // The option schema: the one description of every option. The panel, the
 // read-back lines, project files and the option bytes are all driven by it.
 //
-// A new choice is one new line in option_schema.cpp. The family of the selected
-// model decides which rows apply, and a key is looked up in that family's rows
-// and nowhere else: families give the same key other bits.
+// A new choice is one new line in option_schema.cpp; a key that no family had
+// before also goes into option_keys. The family of the selected model decides which
+// rows apply, and a key is looked up in that family's rows and nowhere else: families
+// give the same key other bits.
 #pragma once
 
 #include <array>
@@ -22,12 +23,15 @@ inline constexpr int general_group = 7;  // the general items of a project; no b
 // stay empty.
 std::vector<Option_Row> option_rows(int group);
 
-// The group of a family; none for a family without one.
+// The group of a family; none for a family without one. And the family of a group,
+// 0 to 5; for the groups 3 and 4 the same rows stand twice.
 std::optional<int> option_group(std::int16_t MCU_Family);
+std::int16_t family_of_group(int group);
 
 // Keys that the code asks for by name.
 namespace option_key {
 inline constexpr std::string_view double_speed = "Double_speed_YES";
+inline constexpr std::string_view clear_unused_AP = "Clear_Unused_AP_YES";
 inline constexpr std::string_view half_gain_label = "Half_Gain_Clew";
 inline constexpr std::string_view power_on_run_WDT = "Power_On_Run_WDT_YES";
 inline constexpr std::string_view idle_WDT_label = "Idle_Run_WDT_Clew";
@@ -36,7 +40,8 @@ inline constexpr std::string_view idle_WDT_no = "Idle_Run_WDT_NO";
 inline constexpr std::string_view prescaler = "WDT_Prescalar";
 }  // namespace option_key
 
-// All keys that have a state, in the order in which projects store them.
+// The keys that projects store, in their order; all but the last, which has no bit,
+// have states.
 inline constexpr std::array<std::string_view, 28> option_keys = {
     "Double_speed_YES",    "Double_speed_NO",      "Interior_Oscillate",  "Exterior_Oscillate",
     "Half_Gain_YES",       "Half_Gain_NO",         "Disregard_P10_P11",   "P10_P11_00_Download",

@@ -2,6 +2,7 @@
 #include "link/handshake.h"
 #include "link/isp_link.h"
 #include "options/option_display.h"
+#include "options/option_schema.h"
 #include "session/chip_checks.h"
 #include "session/download_session.h"
 #include "session/session_report.h"
@@ -94,7 +95,7 @@ void Connect_MCU(frmMain& frm, bool ReadChipLock_just) {
 
 void Show_Clock(frmMain& frm) {
     const Clock_Facts facts = {frm.link.Chip_Letter, frm.link.Chip_Clock,
-                               option_on(frm.options.Read_State, "Double_speed_YES"),
+                               option_on(frm.options.Read_State, option_key::double_speed),
                                frm.link.Chip_Double_Speed};
     for (const std::string& line : clock_lines(facts, frm.screen.Show_English))
         append_message(frm.screen, line);

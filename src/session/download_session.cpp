@@ -2,6 +2,7 @@
 
 #include "image/image_files.h"
 #include "link/isp_link.h"
+#include "options/option_schema.h"
 #include "plug.h"
 #include "session/counter.h"
 #include "session/download_plan.h"
@@ -84,7 +85,7 @@ void make_plan(frmMain& frm) {
     const Planned made =
         Make_Download_Plan({frm.catalogue.Chip_Info, frm.link.Chip_Letter,
                             leading_number(frm.link.Chip_Version), frm.images.AP_Buffer.Image_High,
-                            option_on(frm.options.Panel_State, "Clear_Unused_AP_YES")});
+                            option_on(frm.options.Panel_State, option_key::clear_unused_AP)});
     frm.session.Download_Plan = made.plan;
     if (!made.Over_Limit) return;
     beep_times(frm, 2);

@@ -13,7 +13,6 @@ namespace {
 
 constexpr int attempts = 3;
 constexpr std::int32_t answer_ms = 5000;  // the firmware answers when the flash is erased
-constexpr std::int32_t settle_before_ms = 5;
 constexpr std::int32_t settle_after_ms = 100;
 constexpr std::int16_t keep_data_bit = 0x02;  // of option byte 8: the data memory is kept
 constexpr std::size_t keep_data_byte = 8;
@@ -29,13 +28,9 @@ Frame erase_frame(const frmMain& frm) {
 
 bool send_erase(frmMain& frm, const Frame& frame) {
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        frm.link.receive_enabled = true;
-        wait_ms(frm, settle_before_ms);
-        // What has come before the first frame, a late answer to the link check, must
-        // not pass for an erased flash. Later the answer to the attempt before is as good.
-        if (attempt == 0) reset_receive(frm);
-        write_and_settle(frm, frame);
-        if (wait_for_frame(frm, answer_ms)) return true;
+        // A late answer to the link check must not pass for an erased flash.
+        const Try which = attempt == 0 ? Try::first : Try::repeat;
+        if (try_request(frm, frame, answer_ms, which)) return true;
     }
     return false;
 }

@@ -74,6 +74,8 @@ inline constexpr MessageText options_ok = {"Config option OK. ",
                                            "Config option OK. / 设置选项成功。"};
 inline constexpr MessageText options_failed = {"Config option are error!",
                                                "Config option are error! / 设置选项失败。"};
+// The oldest chips, in both languages, followed by the time of the end.
+inline constexpr std::string_view options_end = " (End: ";
 inline constexpr std::string_view double_speed_done = "Lock Chip, set 6 Clock OK/双倍速成功";
 inline constexpr MessageText read_version_ok = {"Read MCU Firmware Version OK.",
                                                 "Read MCU Firmware Version OK. / 读版本号成功."};

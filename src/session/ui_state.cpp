@@ -30,6 +30,8 @@ constexpr Row table[] = {
     {"cheClearAP_Buffer", free_only},
     {"cheClearDataBuffer", free_only},
     {"comLoadFile", free_only},
+    {"comLoadDataFile", free_only},
+    {"txtDataFileStart", free_only},
     {"Command3", free_only},
     {"comTJXZ", free_only},
     {"comDebugContinue", free_only},
@@ -78,7 +80,7 @@ void keep_own_conditions(frmMain& frm) {
     Enable_Save_File(frm);
     Screen& screen = frm.screen;
     if (!frm.catalogue.SoftICE_Enable) screen.comDownSoft_ICE.Enabled = false;
-    if (!screen.comLoadDataFile.Enabled) Data_Memory_Controls(frm, false);
+    if (!has_data_memory(frm.catalogue.MCU_Info)) Data_Memory_Controls(frm, false);
 }
 
 }  // namespace
