@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <map>
 
+#include "link/status_frame.h"
 #include "option_bench.h"
 #include "session/write_options.h"
 #include "text/numbers.h"
@@ -573,6 +575,39 @@ TEST(OptionsOfFirmware, Below32AreNotCompared) {
             } else {
                 expect_good_chip(bench);
                 EXPECT_FALSE(bench.log_has("Config option")) << bench.log();
+            }
+        }
+    }
+}
+
+// ---- whatever the chip holds -------------------------------------------------------------
+
+// Every value of every byte, read in the status frame, shown, and written over.
+TEST(OptionsOfEveryLetter, AreReadAndWrittenWhateverTheChipHolds) {
+    const std::map<char, std::vector<std::size_t>> places = {
+        {'A', {0}},
+        {'C', {1, 8}},
+        {'D', {2, 3, 8, 10, 11}},
+        {'E', {2, 3, 8, 10, 11}},
+        {'F', {2, 3, 8, 10, 11}},
+        {'G', {0, 3, 4, 8, 10, 11}},
+    };
+    for (const auto& [letter, bytes] : places) {
+        for (const std::size_t place : bytes) {
+            for (int value = 0; value < 256; ++value) {
+                SCOPED_TRACE(letter + std::to_string(place) + " = " + std::to_string(value));
+                sim::OptionBytes options;
+                options.fill(0xFF);
+                options[place] = static_cast<std::uint8_t>(value);
+                OptionBench bench(chip_of(letter), {.options = options});
+                bench.run_job();
+                expect_good_chip(bench);
+                for (const int word :
+                     option_words_of_family(bench.frm.catalogue.MCU_Info.MCU_Family)) {
+                    const auto at = static_cast<std::size_t>(word);
+                    EXPECT_EQ(bench.chip.options()[at], bench.frm.options.Option_Bytes[0][at]);
+                }
+                if (HasFailure()) return;
             }
         }
     }
