@@ -514,6 +514,7 @@ TEST_F(LinkPort, AReplyThatIsHereBeforeTheBlockHasLeftIsNotItsAnswer) {
         for (double ms = 0; ms < 20; ms += 0.25) {
             SCOPED_TRACE(ms);
             open_at("115200");
+            frm.link.answer_owed = false;
             if (answered) target.answer = [&](const Bytes&) { return reply({0x80}); };
             target.turnaround = milliseconds(10);
             loop.after(microseconds(static_cast<int>(ms * 1000)),

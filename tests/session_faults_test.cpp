@@ -193,6 +193,69 @@ TEST(FaultSweep, AnAnswerThatTheLineHoldsBack) {
     EXPECT_EQ(outcomes.stopped, 0);
 }
 
+// Held back for so long that its request is repeated, an answer is followed by
+// that to the repeat, which must not pass for what is asked next.
+struct HeldBack {
+    const char* what;
+    sim::ChipConfig chip;
+    std::vector<int> answers;  // which is held back
+    int from_ms, to_ms, step_ms;
+};
+
+void hold_back(const HeldBack& held_back) {
+    Outcomes outcomes;
+    for (const int nth : held_back.answers) {
+        for (int ms = held_back.from_ms; ms <= held_back.to_ms; ms += held_back.step_ms) {
+            SCOPED_TRACE(std::string(held_back.what) + ", answer " + std::to_string(nth) + ", " +
+                         std::to_string(ms) + " ms");
+            SessionBench bench(held_back.chip);
+            HoldingLine held(bench.chip.target(), nth, milliseconds(ms));
+            bench.line.connect(held.target());
+            bench.image.assign(700, 0x00);  // all blocks have one sum
+            bench.load_bytes(bench.image);
+            somebody_presses_stop(bench);
+            run_job(bench, outcomes);
+            EXPECT_GE(bench.chip.counters().erases, 1) << bench.story();
+            EXPECT_GE(held.answers, nth);
+            if (testing::Test::HasFailure()) return;
+        }
+    }
+    EXPECT_EQ(outcomes.failed + outcomes.stopped, 0) << held_back.what;
+}
+
+TEST(FaultSweep, AnAnswerThatIsHeldBackUntilItsRequestIsRepeated) {
+    const std::string model = "VKM47H58RK+";
+    for (const bool short_acks : {false, true}) {
+        hold_back({"erase", {.model = model, .short_acks = short_acks}, {9}, 4600, 5200, 10});
+        for (const int work : {1, 20, 80})
+            hold_back({"block",
+                       {.model = model, .short_acks = short_acks, .block_time = milliseconds(work)},
+                       {10, 11, 12},
+                       950,
+                       1320,
+                       10});
+    }
+    for (const int turnaround : {1, 40, 100, 150}) {
+        hold_back(
+            {"status",
+             {.model = "VKM47H58RK", .status_length = 24, .turnaround = milliseconds(turnaround)},
+             {9},
+             800,
+             960,
+             10});
+        hold_back({"link check",
+                   {.model = model, .turnaround = milliseconds(turnaround)},
+                   {4, 5, 6, 7, 8},
+                   60,
+                   400,
+                   20});
+    }
+    // The chip itself takes as long as it is given.
+    for (int work = 4940; work <= 5020; work += 4)
+        hold_back(
+            {"long erase", {.model = model, .erase_time = milliseconds(work)}, {9}, 0, 60, 6});
+}
+
 TEST(FaultSweep, TheChipLosesItsPower) {
     Outcomes outcomes;
     for (int ms = 0; ms < 2600; ms += 7) {

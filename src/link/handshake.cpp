@@ -85,6 +85,7 @@ void clear_buffers(frmMain& frm) {
 
 void start_afresh(frmMain& frm) {
     frm.link.Base_Baud = base_baud;
+    frm.link.answer_owed = false;
     frm.session.Firmware_Size = 0;
     frm.session.Firmware_Size_Known = false;
     reset_receive(frm);
@@ -402,6 +403,7 @@ void Read_Chip_Status(frmMain& frm, std::int16_t flag) {
     link.Chip_Letter = letter_text(reply.letter);
     Set_Chip_Version(frm, reply.version);
     show_options(frm, reply.version, reply.letter, reply.option, flag);
+    let_owed_answers_pass(frm, status_answer_ms);
 }
 
 void Set_Chip_Version(frmMain& frm, std::uint8_t version_byte) {

@@ -5,7 +5,8 @@
 // its final baud (handshake.h, baud_exchange.h). Called by the session flows and
 // the board. Always holds: half duplex, one request then one answer; flags are
 // cleared before a frame is written, never after; no answer is taken before its
-// request has left the wire; nothing is retransmitted here.
+// request has left the wire, unless it is a repeat; what answers an earlier try
+// doesn't pass for the answer to another request; nothing is retransmitted here.
 // A failure is a result of -1 or false, never a text, except in the handshake.
 #pragma once
 
@@ -71,8 +72,8 @@ void on_port_event(frmMain& frm);
 // the wire is a late one to the request before, and is passed over.
 void write_frame(frmMain& frm, std::span<const std::uint8_t> bytes);
 
-// Writes what a chip without power or a running program may answer at any time:
-// sync pulses, a trigger.
+// Writes what may be answered at any time: sync pulses and triggers, to a chip
+// without power or a running program, and the repeat of a request.
 void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes);
 
 // The same request may be tried again; a late answer to the try before then counts,
@@ -122,6 +123,12 @@ std::int32_t answer_time(const frmMain& frm, std::int32_t at_least_ms, std::size
 // as good, and nothing is written. True when a frame came.
 bool try_request(frmMain& frm, std::span<const std::uint8_t> frame, std::int32_t timeout_ms,
                  Try which);
+
+// Behind a request that was answered at last: lets the answers pass that earlier
+// tries of it may still get, until the line is silent for timeout_ms. Otherwise one
+// of them would pass for the answer to what is asked next. Nothing to do, and no
+// time spent, when every request had its answer. Keeps frame_ok.
+void let_owed_answers_pass(frmMain& frm, std::int32_t timeout_ms);
 
 // Sets Timer7 to that and starts it.
 void arm_reply_timer(frmMain& frm);

@@ -42,6 +42,9 @@ struct LinkState {
     // having held it up. What comes before that answers an older one. Pulses and
     // triggers are none, since they may be answered at any time.
     std::optional<Instant> open_request;
+    // A wait for an answer ended without one, which may still come: with what is
+    // asked next, let_owed_answers_pass.
+    bool answer_owed = false;
     bool use_crc = false;  // board frames carry a CRC instead of the sum
 
     bool close_pending = false;  // the window was asked to close during a session

@@ -19,6 +19,7 @@ constexpr std::array<ClockRow, 5> by_clock = {
     {{3e6, 4000}, {4e6, 3000}, {6e6, 2000}, {8e6, 1500}, {1.2e7, 1200}}};
 constexpr std::int32_t shortest_timeout_ms = 1000;
 
+constexpr int most_answers_owed = 5;         // no request is tried more often
 constexpr std::int32_t pause_before_ms = 5;  // for a chip that has just answered
 
 // On a slow line the block itself takes this long.
@@ -66,13 +67,27 @@ void arm_reply_timer(frmMain& frm) {
 }
 
 bool wait_for_armed_timer(frmMain& frm, const Timer& timer) {
-    wait_until(frm, [&] { return frm.link.frame_ok || frm.link.stop_requested || !timer.Enabled; });
-    return frm.link.frame_ok;
+    LinkState& link = frm.link;
+    wait_until(frm, [&] { return link.frame_ok || link.stop_requested || !timer.Enabled; });
+    if (!link.frame_ok && link.open_request) link.answer_owed = true;
+    return link.frame_ok;
 }
 
 bool wait_for_frame(frmMain& frm, std::int32_t timeout_ms) {
     restart_timer(frm, frm.timers.Timer7, timeout_ms);
     return wait_for_armed_timer(frm, frm.timers.Timer7);
+}
+
+void let_owed_answers_pass(frmMain& frm, std::int32_t timeout_ms) {
+    LinkState& link = frm.link;
+    const bool answered = link.frame_ok;
+    for (int passed = 0; link.answer_owed && passed <= most_answers_owed; ++passed) {
+        forget_reply(link);
+        link.open_request.reset();
+        if (!wait_for_frame(frm, timeout_ms)) link.answer_owed = false;
+    }
+    link.answer_owed = false;
+    link.frame_ok = answered;
 }
 
 void Timer1_Tick(frmMain& frm) {

@@ -39,9 +39,9 @@ struct StatusReply {
     std::uint8_t option = 0;
     std::vector<std::uint8_t> options;  // six bytes: more than any family has
 };
-// Length field of the shortest answer to the status read, with one option byte. What
-// is shorter answers something else.
-inline constexpr int shortest_status_reply = 16;
+// Length field of the shortest answer to the status read, with version and letter.
+// What is shorter answers something else.
+inline constexpr int shortest_status_reply = 15;
 
 StatusReply decode_status_reply(std::span<const std::uint8_t> frame);
 

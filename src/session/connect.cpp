@@ -16,7 +16,7 @@ namespace {
 constexpr std::uint8_t link_check = 0x80;
 constexpr std::int32_t link_check_ms = 200;
 constexpr int link_checks = 5;
-constexpr std::int32_t late_answer_ms = 300;
+constexpr std::int32_t late_answer_ms = 600;  // beyond the time of a check
 constexpr int status_reads = 4;
 
 // Lets the chip settle at its final rate; whether it answers doesn't matter.
@@ -28,12 +28,6 @@ void Poll_Chip(frmMain& frm) {
     frm.platform.port.clear_output();
     send_command(frm, link_check, link_check_ms, 0);
     wait_for_frame(frm, link_check_ms);
-}
-
-// An answer that missed the time of its check would pass for the answer to what
-// is asked next, and a flash for erased that isn't.
-void let_late_answer_pass(frmMain& frm) {
-    if (frm.link.open_request) wait_for_frame(frm, late_answer_ms);
 }
 
 // An old firmware's status frame holds no option bytes; they are read here.
@@ -74,10 +68,11 @@ bool connect(frmMain& frm, bool ReadChipLock_just) {
         job_failed(frm, session_text::step_connect);
         return false;
     }
+    frm.link.answer_owed = false;  // of the search for a rate, at another one
     for (int check = 0; check < link_checks; ++check) Poll_Chip(frm);
     // The handshake has read and shown the options: nothing more was wanted.
     if (ReadChipLock_just) return false;
-    let_late_answer_pass(frm);
+    let_owed_answers_pass(frm, late_answer_ms);
     if (!read_options(frm)) return false;
     Show_Clock(frm);
     show_baud(frm, baud);

@@ -12,7 +12,8 @@ namespace vkm {
 namespace {
 
 constexpr int attempts = 3;
-constexpr std::int32_t answer_ms = 5000;  // the firmware answers when the flash is erased
+constexpr std::int32_t second_answer_ms = 6000;  // a chip that heard a repeat erases again
+constexpr std::int32_t answer_ms = 5000;         // the firmware answers when the flash is erased
 constexpr std::int32_t settle_after_ms = 100;
 constexpr std::int16_t keep_data_bit = 0x02;  // of option byte 8: the data memory is kept
 constexpr std::size_t keep_data_byte = 8;
@@ -49,7 +50,10 @@ void Erase_Application(frmMain& frm) {
     frm.session.Erase_Time.clear();
     Restart_Port(frm);
     const bool erased = send_erase(frm, erase_frame(frm));
-    if (erased) note_erase_time(frm, begin);
+    if (erased) {
+        note_erase_time(frm, begin);
+        let_owed_answers_pass(frm, second_answer_ms);
+    }
     wait_ms(frm, settle_after_ms);
     // An answer that comes only now comes too late: it has been given up.
     frm.link.frame_ok = erased;

@@ -127,18 +127,20 @@ def every_choice(bench, model, chip_model, default, choices, **options):
         robot.download()
         expect_done(robot, chip, CONTENT)
         expect_equal(chip.do("options"), choice.options, f"chip after {choice.on}")
-        frames = option_frames(chip)[before:]
-        expect_equal(len(frames), 1, f"option frames of {choice.on}")
-        expect_in_frame(frames[0], choice.options)
+        # A chip that is late on a busy machine is sent the same frame again.
+        frames = set(option_frames(chip)[before:])
+        expect_equal(len(frames), 1, f"different option frames of {choice.on}")
+        expect_in_frame(frames.pop(), choice.options)
         expect(choice.text in robot.log(), f"{choice.text} isn't in{robot.log()}")
 
         # The chip has them now: nothing is written, and nothing told of it. The oldest
         # chips are always written, and those that have to be told their own clock.
         chip.do("cycle")
+        before = len(option_frames(chip))
         robot.download()
         expect_done(robot, chip, CONTENT)
         written_anew = choice.options.startswith(("0=", "2=FD"))
-        expect_equal(len(option_frames(chip)), before + 1 + written_anew, "option frames")
+        expect_equal(len(option_frames(chip)) > before, written_anew, "written anew")
         expect(written_anew or OPTIONS_OK not in robot.log(), robot.log())
 
         log, page = read_back(robot, chip)
@@ -186,8 +188,8 @@ def _(bench):
     log = robot.download()
     expect("\n" + DOUBLE_SPEED_DONE in log, log)
     expect_done(robot, chip, CONTENT)
-    expect_equal(option_frames(chip), ["option_frame 46 B9 6A 00 07 8D 40 3E 16",
-                                       "option_frame 46 B9 6A 00 07 8D 48 46 16"], "frames")
+    expect_equal(sorted(set(option_frames(chip))), ["option_frame 46 B9 6A 00 07 8D 40 3E 16",
+                                                    "option_frame 46 B9 6A 00 07 8D 48 46 16"], "frames")
 
 
 @scenario("family 1 has no options")
@@ -275,7 +277,7 @@ def _(bench):
     robot.check("Option1(0)")
     log = robot.download()
     expect(OPTIONS_OK in log, log)
-    expect_equal(len(option_frames(chip)), 8, "option frames")
+    expect(len(option_frames(chip)) >= 8, "option frames")
     expect_done(robot, chip, CONTENT)
 
 
