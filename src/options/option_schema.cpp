@@ -74,6 +74,9 @@ constexpr Line item(std::string_view key, std::string_view control, int element,
             .property = property};
 }
 
+// label(key, element of LabOption, caption)
+// choice(array and element of OptionN, key, key of the caption row, caption, default,
+//        text read back, code)
 // clang-format off
 constexpr Line family_0[] = {
   label("Double_speed_Clew", 0, "Double speed / 双倍速:"),
