@@ -254,6 +254,9 @@ TEST(FaultSweep, AnAnswerThatIsHeldBackUntilItsRequestIsRepeated) {
     for (int work = 4940; work <= 5020; work += 4)
         hold_back(
             {"long erase", {.model = model, .erase_time = milliseconds(work)}, {9}, 0, 60, 6});
+    for (const int work : {7000, 12000})
+        hold_back(
+            {"slow erase", {.model = model, .erase_time = milliseconds(work)}, {9}, 0, 60, 20});
 }
 
 TEST(FaultSweep, TheChipLosesItsPower) {

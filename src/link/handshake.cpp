@@ -12,7 +12,6 @@
 #include "link/exchange_frames.h"
 #include "link/isp_link.h"
 #include "link/link_texts.h"
-#include "link/reply_gathering.h"
 #include "link/status_frame.h"
 #include "options/mcu_options.h"
 #include "options/option_display.h"
@@ -313,6 +312,8 @@ int bring_to_fastest_baud(frmMain& frm, std::int32_t& newbaud) {
     const bool tested = search_baud(frm, found);
     if (frm.link.stop_requested) return tell_stopped(frm);
     if (!tested) return tell_failed(frm);
+    // What the tests still owe would come at a rate that nobody hears any more.
+    if (!held_at_base_baud(frm)) frm.link.answer_owed = false;
     const bool switched = switch_baud(frm, found);
     if (frm.link.stop_requested) return tell_stopped(frm);
     reset_receive(frm);
@@ -336,18 +337,10 @@ int enter_programming(frmMain& frm, std::int32_t& newbaud) {
 
 // ---- the status read --------------------------------------------------------------
 
-bool is_status(const LinkState& link) {
-    return link.rx_frame[1] * 256 + link.rx_frame[2] >= shortest_status_reply;
-}
-
 // An acknowledgement that came late, or twice, is no status: passing for one it
 // would tell of options that the chip hasn't got.
-void try_status_read(frmMain& frm, Try which) {
-    bool answered = try_request(frm, build_status_read(), status_answer_ms, which);
-    while (answered && !is_status(frm.link)) {
-        forget_reply(frm.link);
-        answered = wait_for_armed_timer(frm, frm.timers.Timer7);
-    }
+bool is_status(const LinkState& link) {
+    return link.rx_frame[1] * 256 + link.rx_frame[2] >= shortest_status_reply;
 }
 
 }  // namespace
@@ -389,7 +382,8 @@ void Read_Chip_Status(frmMain& frm, std::int16_t flag) {
             clear_buffers(frm);
             wait_ms(frm, status_retry_ms);
         }
-        try_status_read(frm, tries == 0 ? Try::first : Try::repeat);
+        try_request(frm, build_status_read(), status_answer_ms,
+                    tries == 0 ? Try::first : Try::repeat, is_status);
     }
     compose_options(frm);
     if (!link.frame_ok) return;

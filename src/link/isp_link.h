@@ -117,12 +117,19 @@ std::int32_t reply_timeout(double crystal_frequency, std::int32_t baud);
 std::int32_t answer_time(const frmMain& frm, std::int32_t at_least_ms, std::size_t bytes,
                          std::int32_t chip_ms);
 
+// Any good frame is an answer.
+inline bool any_frame(const LinkState&) {
+    return true;
+}
+
 // One try of a request: 5 ms for a chip that has just answered, the frame, and the
 // wait. What comes in the pause of the first try answers something older and is
 // forgotten; in that of a repeat it is the late answer to the try before, which is
-// as good, and nothing is written. True when a frame came.
+// as good, and nothing is written. A frame that is no answer to such a request is
+// passed over. True when the answer came.
+using Is_Answer = bool (*)(const LinkState&);
 bool try_request(frmMain& frm, std::span<const std::uint8_t> frame, std::int32_t timeout_ms,
-                 Try which);
+                 Try which, Is_Answer is_answer = any_frame);
 
 // Behind a request that was answered at last: lets the answers pass that earlier
 // tries of it may still get, until the line is silent for timeout_ms. Otherwise one

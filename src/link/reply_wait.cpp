@@ -19,7 +19,7 @@ constexpr std::array<ClockRow, 5> by_clock = {
     {{3e6, 4000}, {4e6, 3000}, {6e6, 2000}, {8e6, 1500}, {1.2e7, 1200}}};
 constexpr std::int32_t shortest_timeout_ms = 1000;
 
-constexpr int most_answers_owed = 5;         // no request is tried more often
+constexpr int most_answers_owed = 6;         // a block fails as often in a row, no more
 constexpr std::int32_t pause_before_ms = 5;  // for a chip that has just answered
 
 // On a slow line the block itself takes this long.
@@ -50,15 +50,20 @@ std::int32_t answer_time(const frmMain& frm, std::int32_t at_least_ms, std::size
 }
 
 bool try_request(frmMain& frm, std::span<const std::uint8_t> frame, std::int32_t timeout_ms,
-                 Try which) {
-    frm.link.receive_enabled = true;
+                 Try which, Is_Answer is_answer) {
+    LinkState& link = frm.link;
+    link.receive_enabled = true;
     wait_ms(frm, pause_before_ms);
-    if (which == Try::first)
-        forget_reply(frm.link);
-    else if (frm.link.frame_ok)
-        return true;
+    if (which == Try::repeat && link.frame_ok && is_answer(link)) return true;
+    if (which == Try::first || link.frame_ok) forget_reply(link);
     write_and_settle(frm, frame, which);
-    return wait_for_frame(frm, timeout_ms);
+    bool answered = wait_for_frame(frm, timeout_ms);
+    while (answered && !is_answer(link)) {
+        forget_reply(link);
+        answered = wait_for_armed_timer(frm, frm.timers.Timer7);
+    }
+    if (!answered) link.answer_owed = true;
+    return answered;
 }
 
 void arm_reply_timer(frmMain& frm) {

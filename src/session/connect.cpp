@@ -68,7 +68,6 @@ bool connect(frmMain& frm, bool ReadChipLock_just) {
         job_failed(frm, session_text::step_connect);
         return false;
     }
-    frm.link.answer_owed = false;  // of the search for a rate, at another one
     for (int check = 0; check < link_checks; ++check) Poll_Chip(frm);
     // The handshake has read and shown the options: nothing more was wanted.
     if (ReadChipLock_just) return false;

@@ -1,5 +1,7 @@
 #include "session/erase.h"
 
+#include <algorithm>
+
 #include "link/isp_link.h"
 #include "session/download_session.h"
 #include "session/erase_frame.h"
@@ -12,8 +14,10 @@ namespace vkm {
 namespace {
 
 constexpr int attempts = 3;
-constexpr std::int32_t second_answer_ms = 6000;  // a chip that heard a repeat erases again
-constexpr std::int32_t answer_ms = 5000;         // the firmware answers when the flash is erased
+// A chip that heard a repeat erases again, and takes as long for it as before.
+constexpr std::int32_t second_answer_ms = 6000;
+constexpr std::int32_t beyond_first_ms = 1000;
+constexpr std::int32_t answer_ms = 5000;  // the firmware answers when the flash is erased
 constexpr std::int32_t settle_after_ms = 100;
 constexpr std::int16_t keep_data_bit = 0x02;  // of option byte 8: the data memory is kept
 constexpr std::size_t keep_data_byte = 8;
@@ -42,6 +46,13 @@ void note_erase_time(frmMain& frm, std::int64_t begin) {
     scroll_log_to_end(frm.screen);
 }
 
+std::int32_t second_answer_time(const frmMain& frm, Instant asked) {
+    const Microseconds took = frm.platform.loop.now() - asked;
+    const auto took_ms =
+        static_cast<std::int32_t>(std::chrono::duration_cast<Milliseconds>(took).count());
+    return std::max(second_answer_ms, took_ms + beyond_first_ms);
+}
+
 }  // namespace
 
 void Erase_Application(frmMain& frm) {
@@ -49,10 +60,12 @@ void Erase_Application(frmMain& frm) {
     const std::int64_t begin = frm.platform.wall_clock.seconds();
     frm.session.Erase_Time.clear();
     Restart_Port(frm);
+    reset_receive(frm);
+    const Instant asked = frm.platform.loop.now();
     const bool erased = send_erase(frm, erase_frame(frm));
     if (erased) {
         note_erase_time(frm, begin);
-        let_owed_answers_pass(frm, second_answer_ms);
+        let_owed_answers_pass(frm, second_answer_time(frm, asked));
     }
     wait_ms(frm, settle_after_ms);
     // An answer that comes only now comes too late: it has been given up.

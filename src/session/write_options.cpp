@@ -52,8 +52,8 @@ constexpr std::int16_t lacking_word = 0xFF;
 constexpr std::int16_t on_crystal = 0x02;      // of the byte that chooses the clock
 constexpr int first_firmware_to_compare = 32;  // 3.2
 
-Try try_number(int attempt) {
-    return attempt == 0 ? Try::first : Try::repeat;
+Try next_try(bool all_answered) {
+    return all_answered ? Try::first : Try::repeat;
 }
 
 std::int16_t family(const frmMain& frm) {
@@ -88,7 +88,7 @@ bool send_family_0(frmMain& frm, const Frame& frame) {
         answer_time(frm, family_0_answer_ms, family_0_line_bytes, family_0_chip_ms);
     for (int attempt = 0; attempt < family_0_attempts && !frm.link.stop_requested; ++attempt) {
         reset_receive(frm);
-        if (try_request(frm, frame, timeout_ms, try_number(attempt))) return true;
+        if (try_request(frm, frame, timeout_ms, next_try(attempt == 0))) return true;
     }
     return false;
 }
@@ -115,12 +115,15 @@ ReloadPair pair_of_new_mode(const frmMain& frm) {
             static_cast<std::uint8_t>(other ? link.other_Baud_L : link.newBaud_L)};
 }
 
-// One round.
-bool send_family_2(frmMain& frm) {
+// One round. What was answered before it is over; what wasn't may still be.
+bool send_family_2(frmMain& frm, bool answered_before) {
     const Frame frame = build_family_2_options(frm.options.Option_Bytes[0], pair_of_new_mode(frm));
-    for (int attempt = 0; attempt < attempts_of_a_round && !frm.link.stop_requested; ++attempt)
-        if (try_request(frm, frame, answer_ms, try_number(attempt))) return true;
-    return false;
+    bool answered = false;
+    for (int attempt = 0; attempt < attempts_of_a_round && !answered; ++attempt) {
+        if (frm.link.stop_requested) return false;
+        answered = try_request(frm, frame, answer_ms, next_try(answered_before && attempt == 0));
+    }
+    return answered;
 }
 
 // A byte of nothing but one of two marks says that the chip is to be written in any
@@ -136,9 +139,9 @@ void write_family_2(frmMain& frm) {
         return leave_options_as_they_are(frm);
     reset_receive(frm);
     Restart_Port(frm);
-    bool written = false;
+    bool written = true;
     for (int round = 0; round < rounds; ++round) {
-        written = send_family_2(frm);
+        written = send_family_2(frm, written);
         if (!written) continue;
         Read_Chip_Status(frm, after_writing);
         if (!frm.link.frame_ok) return Option_Write_Failed(frm);
@@ -173,18 +176,16 @@ Frame frame_with_clock(const frmMain& frm) {
 }
 
 // One round. A firmware that says busy is asked again without limit: only Stop
-// ends that.
-bool send_with_clock(frmMain& frm, const Frame& frame) {
+// ends that. `answered`: the frame sent last was, in this round or the one before.
+bool send_with_clock(frmMain& frm, const Frame& frame, bool& answered) {
     LinkState& link = frm.link;
-    Try which = Try::first;
     for (int attempt = 0; attempt < attempts_of_a_round && !link.stop_requested;) {
         reset_receive(frm);
-        const bool answered = try_request(frm, frame, answer_ms, which);
+        answered = try_request(frm, frame, answer_ms, next_try(answered));
         link.frame_ok = answered && link.rx_frame[answer_code_at] == answer_taken;
         if (link.frame_ok) return true;
         const bool asks_to_wait = answered && link.rx_frame[answer_code_at] == answer_busy;
         attempt = asks_to_wait ? 0 : attempt + 1;
-        which = Try::repeat;
     }
     return false;
 }
@@ -202,7 +203,9 @@ void write_with_clock(frmMain& frm) {
     Restart_Port(frm);
     const Frame frame = frame_with_clock(frm);
     bool written = false;
-    for (int round = 0; round < rounds && !written; ++round) written = send_with_clock(frm, frame);
+    bool answered = true;  // the last frame before
+    for (int round = 0; round < rounds && !written; ++round)
+        written = send_with_clock(frm, frame, answered);
     if (!written) return Option_Write_Failed(frm);
     Read_Chip_Status(frm, after_writing);
     if (!frm.link.frame_ok) return Option_Write_Failed(frm);
