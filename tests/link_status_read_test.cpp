@@ -154,6 +154,20 @@ TEST(StatusRead, ThreeTriesOf900MillisecondsThenNothingIsChanged) {
     EXPECT_EQ(bench.frm.options.Chip_Bytes[1], -7);
 }
 
+TEST(StatusRead, AnAcknowledgementInThePauseBeforeARepeatCostsNoTry) {
+    ConnectedBench bench;
+    bench.chip.add_fault(lose_reply(FrameKind::status_read, 2));
+    const Bytes late = {0x46, 0xB9, 0x68, 0x00, 0x06, 0x80, 0xEE, 0x16};
+    for (const int tries : {1, 2})
+        bench.at(tries * (5 + 3 + 900 + 50) - 20, [&] {
+            bench.line.input.insert(bench.line.input.end(), late.begin(), late.end());
+        });
+    Read_Chip_Status(bench.frm, 0);
+    EXPECT_TRUE(bench.frm.link.Status_Read_OK);
+    EXPECT_EQ(bench.frm.link.Chip_Version, "3.8");
+    EXPECT_EQ(bench.heard(FrameKind::status_read), 3);
+}
+
 TEST(StatusRead, StopEndsEachTryAtItsFirstPoll) {
     ConnectedBench bench;
     bench.chip.add_fault(lose_reply(FrameKind::status_read, always));

@@ -20,11 +20,6 @@ namespace {
 
 using Names = std::set<std::string>;
 
-std::string name_of(const Control& control) {
-    std::string name(control.Name);
-    return control.Index < 0 ? name : name + "(" + std::to_string(control.Index) + ")";
-}
-
 constexpr std::string_view step_4 = "Step4/步骤4: 设置本框和右下方“选项”中的各项";
 
 struct OptionPanel : testing::Test {
@@ -70,7 +65,7 @@ struct OptionPanel : testing::Test {
     Names visible() {
         Names names;
         for (const Control* control : panel())
-            if (control->Visible) names.insert(name_of(*control));
+            if (control->Visible) names.insert(full_name(*control));
         return names;
     }
 
@@ -78,7 +73,7 @@ struct OptionPanel : testing::Test {
     Names chosen() {
         Names names;
         for (const Control* control : panel())
-            if (control->Visible && control->Value != 0) names.insert(name_of(*control));
+            if (control->Visible && control->Value != 0) names.insert(full_name(*control));
         for (const char* pin :
              {"opt_485_pin(0)", "opt_485_pin(1)", "opt_485_logic(0)", "opt_485_logic(1)"})
             names.erase(pin);

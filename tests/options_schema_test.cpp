@@ -33,8 +33,7 @@ Rows rows_of_family(std::int16_t family) {
 }
 
 std::string name_of(const Option_Row& row) {
-    if (row.Option_Index < 0) return row.Option_Control;
-    return row.Option_Control + "(" + std::to_string(row.Option_Index) + ")";
+    return full_name(row.Option_Control, row.Option_Index);
 }
 
 std::string name_of(Property_Kind property) {
@@ -202,8 +201,8 @@ TEST(OptionSchema, ClaimsEveryBitOnceFor0AndOnceFor1) {
 TEST(OptionSchema, GivesCodesToChoicesAlone) {
     for (int group = 0; group < 8; ++group)
         for (const Option_Row& row : option_rows(group)) {
-            const bool choice =
-                group != 7 && row.Option_Property == Property_Kind::Value && row.Option_Key != "Clew";
+            const bool choice = group != 7 && row.Option_Property == Property_Kind::Value &&
+                                row.Option_Key != "Clew";
             EXPECT_EQ(!row.Option_Code.empty(), choice) << group << ' ' << row.Option_Key;
         }
 }

@@ -76,8 +76,7 @@ TEST_F(QtScreenTest, EveryControlOfTheTableIsDrawn) {
 
 TEST_F(QtScreenTest, EveryWidgetStandsInTheWindowUnderTheNameOfItsControl) {
     for_each_control(screen, [&](Control& control) {
-        std::string name(control.Name);
-        if (control.Index >= 0) name += "(" + std::to_string(control.Index) + ")";
+        const std::string name = full_name(control);
         auto* found = tool.window.findChild<QWidget*>(QString::fromStdString(name));
         ASSERT_NE(found, nullptr) << name;
         EXPECT_EQ(view.control_of(found), &control) << name;

@@ -9,6 +9,13 @@
 namespace vkm {
 namespace {
 
+TEST(ControlNames, TellThePlaceInAnArray) {
+    Screen screen;
+    EXPECT_EQ(full_name(screen.txtDevice), "txtDevice");
+    EXPECT_EQ(full_name(screen.comDownload[1]), "comDownload(1)");
+    EXPECT_EQ(full_name(screen.LabOption[12]), "LabOption(12)");
+}
+
 TEST(Screen, FindsEveryControlOfTheTableByItsName) {
     Screen screen;
     int controls = 0;

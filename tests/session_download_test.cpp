@@ -6,6 +6,7 @@
 
 #include "catalogue/model_table.h"
 #include "image/image_files.h"
+#include "session/erase.h"
 #include "session_bench.h"
 #include "text/trimming.h"
 #include "window/main_window.h"
@@ -649,6 +650,52 @@ TEST(Erase, TakesALateAnswerAtTheEdgeOfItsTime) {
         EXPECT_TRUE(bench.flash_holds(bench.image));
         EXPECT_LE(bench.chip.counters().erases, 2);
     }
+}
+
+const std::vector<std::uint8_t> acknowledgement = {0x46, 0xB9, 0x68, 0x00, 0x06, 0x80, 0xEE, 0x16};
+
+// The firmware heard the repeat, too, and erases again.
+TEST(Erase, ListensForASecondAnswerAsLongAsTheFirstTook) {
+    SessionBench bench({.model = "VKM47H58RK+", .powered_at = sim::never});
+    bench.frm.link.Chip_Letter = "C";
+    bench.frm.link.Chip_Version = "3.8";
+    const auto answer = [&] {
+        auto& input = bench.line.input;
+        input.insert(input.end(), acknowledgement.begin(), acknowledgement.end());
+    };
+    const double before = bench.elapsed_ms();
+    bench.at(9'000, answer);
+    bench.at(17'000, answer);
+    Erase_Application(bench.frm);
+    EXPECT_TRUE(bench.frm.link.frame_ok);
+    EXPECT_GT(bench.elapsed_ms() - before, 17'000);
+    EXPECT_FALSE(bench.frm.link.answer_owed);
+}
+
+TEST(Erase, ForgetsHalfAHeaderThatCameBefore) {
+    SessionBench bench({.model = "VKM47H58RK+", .feature = 0x83});
+    bench.load(100);
+    Connect_MCU(bench.frm, false);
+    ASSERT_TRUE(bench.frm.link.hunt_header);
+    bench.frm.link.seen_46 = true;
+    Erase_Application(bench.frm);
+    EXPECT_TRUE(bench.frm.link.frame_ok);
+    EXPECT_EQ(bench.heard(sim::FrameKind::erase), 1);
+}
+
+// What the search for a rate still owes would come at a rate that is over.
+TEST(Erase, WaitsForNothingThatABaudTestOwes) {
+    SessionBench bench({.faults = {lose_reply(sim::FrameKind::test_baud)}});
+    bench.load(100);
+    comDownload(bench.frm, 0);
+    expect_good_chip(bench);
+    Instant last_check, erase;
+    for (const Written& written : bench.port.written) {
+        if (written.bytes.size() < 8 || written.bytes[0] != 0x46) continue;
+        if (written.bytes[5] == 0x80) last_check = written.at;
+        if (written.bytes[5] == 0x84) erase = written.at;
+    }
+    EXPECT_LT(erase - last_check, Milliseconds(100));
 }
 
 TEST(Erase, WithoutAnAnswerInThreeTriesFailsTheJob) {

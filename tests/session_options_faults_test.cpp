@@ -200,6 +200,19 @@ TEST(OptionWrite, IsTriedAgainWhenTheChipRefusesInFamilies3To6) {
     }
 }
 
+// A refusal that comes twice costs no attempt.
+TEST(OptionWrite, IsTriedAgainAsOftenWhenEachRefusalComesTwice) {
+    for (const char letter : {'D', 'E', 'F', 'G'}) {
+        SCOPED_TRACE(letter);
+        OptionBench bench = OptionBench::with_other_options(
+            chip_of(letter), {.faults = {other_code(0x8F, 1, 3),
+                                         fault_of(FaultKind::twice, FrameKind::options, 0, 3)}});
+        bench.run_job();
+        expect_options_written(bench);
+        EXPECT_EQ(bench.option_attempts(), 4);
+    }
+}
+
 TEST(OptionWrite, AsksABusyChipAgainAsOftenAsItIsBusy) {
     for (const char letter : {'D', 'E', 'F', 'G'}) {
         for (int busy = 1; busy <= 10; ++busy) {

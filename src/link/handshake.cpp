@@ -123,8 +123,7 @@ bool answered_or_stopped(const LinkState& link) {
 std::int32_t until_one_pulse_is_left(const SerialPort& port) {
     const std::size_t unsent = port.output_count();
     if (unsent <= sync_pulse.size()) return 0;
-    const Microseconds left = time_on_wire(port, unsent - sync_pulse.size());
-    return static_cast<std::int32_t>(std::chrono::ceil<Milliseconds>(left).count());
+    return ms_on_wire(port, unsent - sync_pulse.size());
 }
 
 // Until the operator gives the chip its power. Pulses must not pile up in the
@@ -382,8 +381,7 @@ void Read_Chip_Status(frmMain& frm, std::int16_t flag) {
             clear_buffers(frm);
             wait_ms(frm, status_retry_ms);
         }
-        try_request(frm, build_status_read(), status_answer_ms,
-                    tries == 0 ? Try::first : Try::repeat, is_status);
+        try_request(frm, build_status_read(), status_answer_ms, is_status);
     }
     compose_options(frm);
     if (!link.frame_ok) return;

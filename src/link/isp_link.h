@@ -44,8 +44,9 @@ void show_port_picture(frmMain& frm, bool open);
 // settings before stay in force then.
 bool set_port_baud(frmMain& frm, std::string_view baud);
 
-// Time that so many bytes take on the wire at the port's rate.
+// Time that so many bytes take on the wire at the port's rate; the same in ms, rounded up.
 Microseconds time_on_wire(const SerialPort& port, std::size_t bytes);
+std::int32_t ms_on_wire(const SerialPort& port, std::size_t bytes);
 
 // The connection is made by the trigger at 115200 baud (cheTL), without pulses.
 bool over_trigger(const frmMain& frm);
@@ -76,12 +77,11 @@ void write_frame(frmMain& frm, std::span<const std::uint8_t> bytes);
 // without power or a running program, and the repeat of a request.
 void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes);
 
-// The same request may be tried again; a late answer to the try before then counts,
-// also while the repeat is on the wire.
-enum class Try { first, repeat };
+// Behind a request: if bytes are still unsent lets events run once; waits 3 ms.
+void settle(frmMain& frm);
 
-// Writes a request; if bytes are still unsent lets events run once; waits 3 ms.
-void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes, Try which = Try::first);
+// Writes a request and settles.
+void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes);
 
 // One block of `count` bytes of the image from `address`: 0 when the chip
 // acknowledged it, else -1.
@@ -123,13 +123,14 @@ inline bool any_frame(const LinkState&) {
 }
 
 // One try of a request: 5 ms for a chip that has just answered, the frame, and the
-// wait. What comes in the pause of the first try answers something older and is
-// forgotten; in that of a repeat it is the late answer to the try before, which is
-// as good, and nothing is written. A frame that is no answer to such a request is
-// passed over. True when the answer came.
+// wait. What comes in the pause before a first try answers something older and is
+// forgotten. While an earlier try is owed its answer, that is as good: in the pause
+// it ends the try and nothing is written, and it counts while the repeat is on the
+// wire. A frame that is no answer to such a request is passed over. True when the
+// answer came.
 using Is_Answer = bool (*)(const LinkState&);
 bool try_request(frmMain& frm, std::span<const std::uint8_t> frame, std::int32_t timeout_ms,
-                 Try which, Is_Answer is_answer = any_frame);
+                 Is_Answer is_answer = any_frame);
 
 // Behind a request that was answered at last: lets the answers pass that earlier
 // tries of it may still get, until the line is silent for timeout_ms. Otherwise one

@@ -66,6 +66,11 @@ Microseconds time_on_wire(const SerialPort& port, std::size_t bytes) {
     return std::chrono::floor<Microseconds>(std::chrono::duration<double>(bits / settings->baud));
 }
 
+std::int32_t ms_on_wire(const SerialPort& port, std::size_t bytes) {
+    return static_cast<std::int32_t>(
+        std::chrono::ceil<Milliseconds>(time_on_wire(port, bytes)).count());
+}
+
 bool over_trigger(const frmMain& frm) {
     return frm.screen.cheTL.Value != 0;
 }

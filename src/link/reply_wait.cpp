@@ -44,19 +44,22 @@ std::int32_t reply_timeout(double crystal_frequency, std::int32_t baud) {
 
 std::int32_t answer_time(const frmMain& frm, std::int32_t at_least_ms, std::size_t bytes,
                          std::int32_t chip_ms) {
-    const Microseconds on_line = time_on_wire(frm.platform.port, bytes);
-    const auto line_ms = std::chrono::ceil<Milliseconds>(on_line).count();
-    return std::max(at_least_ms, static_cast<std::int32_t>(line_ms) + chip_ms);
+    return std::max(at_least_ms, ms_on_wire(frm.platform.port, bytes) + chip_ms);
 }
 
 bool try_request(frmMain& frm, std::span<const std::uint8_t> frame, std::int32_t timeout_ms,
-                 Try which, Is_Answer is_answer) {
+                 Is_Answer is_answer) {
     LinkState& link = frm.link;
     link.receive_enabled = true;
     wait_ms(frm, pause_before_ms);
-    if (which == Try::repeat && link.frame_ok && is_answer(link)) return true;
-    if (which == Try::first || link.frame_ok) forget_reply(link);
-    write_and_settle(frm, frame, which);
+    const bool repeat = link.answer_owed;
+    if (repeat && link.frame_ok && is_answer(link)) return true;
+    if (!repeat || link.frame_ok) forget_reply(link);
+    if (repeat)
+        write_signal(frm, frame);
+    else
+        write_frame(frm, frame);
+    settle(frm);
     bool answered = wait_for_frame(frm, timeout_ms);
     while (answered && !is_answer(link)) {
         forget_reply(link);

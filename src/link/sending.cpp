@@ -92,13 +92,14 @@ void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes) {
     frm.platform.port.write(bytes);
 }
 
-void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes, Try which) {
-    if (which == Try::first)
-        write_frame(frm, bytes);
-    else
-        write_signal(frm, bytes);
+void settle(frmMain& frm) {
     if (frm.platform.port.output_count() > 0) process_events(frm);
     wait_ms(frm, settle_ms);
+}
+
+void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes) {
+    write_frame(frm, bytes);
+    settle(frm);
 }
 
 int send_block(frmMain& frm, std::int32_t address, std::int32_t count, bool flag,

@@ -5,9 +5,8 @@
 // beside it the panel (option_panel.h) and the display of what a chip holds
 // (option_display.h). Called by the handshake, the option write and the choice of
 // a model. Always holds: the family of the selected model decides the rows;
-// Option_State is reset before it is written; a family that no
-// group belongs to does nothing.
-// Nothing here can fail.
+// Option_State is reset before it is written; a family that no group belongs to
+// does nothing. Nothing here can fail.
 #pragma once
 
 #include <string>

@@ -20,16 +20,6 @@ void show(std::array<Control, count>& controls, bool visible) {
     for (Control& control : controls) control.Visible = visible;
 }
 
-void hide_options(Screen& s) {
-    show(s.LabOption, false);
-    for (auto* pair : {&s.Option0, &s.Option1, &s.Option2, &s.Option4, &s.Option5, &s.Option6,
-                       &s.Option7, &s.Option8, &s.Option9, &s.Option10, &s.Option11, &s.Option12})
-        show(*pair, false);
-    show(s.Option3, false);
-    for (Control* control : {&s.LabOptionC, &s.Label7, &s.Label20, &s.comWDT_Prescalar})
-        control->Visible = false;
-}
-
 // What only the newer families have: pins for an external circuit, and a choice
 // of the pause between two chips.
 void show_extras(Screen& s, bool visible) {
@@ -67,17 +57,8 @@ void apply_rows(frmMain& frm, const Rows& rows) {
 
 constexpr std::string_view label_control = "LabOption";
 
-std::string full_name(std::string_view control, int index) {
-    std::string name(control);
-    return index < 0 ? name : name + "(" + std::to_string(index) + ")";
-}
-
 std::string name_of(const Option_Row& row) {
     return full_name(row.Option_Control, row.Option_Index);
-}
-
-std::string name_of(const Control& control) {
-    return full_name(control.Name, control.Index);
 }
 
 // A label begins a line; the choices behind it stand beside it.
@@ -90,8 +71,8 @@ Entries lines_of(const Screen& s, const Rows& rows) {
             line = name_of(row);
             lines.push_back({line, "", ""});
         } else if (row.Option_Key == option_key::prescaler) {
-            lines.push_back({name_of(s.Label20), "", ""});
-            lines.push_back({name_of(row), "", name_of(s.Label20)});
+            lines.push_back({full_name(s.Label20), "", ""});
+            lines.push_back({name_of(row), "", full_name(s.Label20)});
         } else if (row.Option_Property == Property_Kind::Value) {
             lines.push_back({name_of(row), "", line});
         }
@@ -106,7 +87,7 @@ void insert_below(Entries& lines, const Rows& rows, std::string_view key, const 
     const auto last = std::find_if(lines.rbegin(), lines.rend(), [&](const Entry& entry) {
         return entry.Text == line || entry.Parent == line;
     });
-    lines.insert(last.base(), {name_of(remark), "", ""});
+    lines.insert(last.base(), {full_name(remark), "", ""});
 }
 
 // ---- each family -------------------------------------------------------------
@@ -120,12 +101,12 @@ void arrange_family_0(Screen& s) {
     s.LabOption[0].Caption =
         s.Show_English ? option_text::double_speed_english : option_text::double_speed;
     show_remark(s.LabOptionC, option_text::double_speed_is_burnt);
-    s.Frame16.List.push_back({name_of(s.LabOptionC), "", ""});
+    s.Frame16.List.push_back({full_name(s.LabOptionC), "", ""});
 }
 
 void arrange_family_1(Screen& s) {
     show_remark(s.LabOption[0], option_text::no_options);
-    s.Frame16.List = {{name_of(s.LabOption[0]), "", ""}};
+    s.Frame16.List = {{full_name(s.LabOption[0]), "", ""}};
 }
 
 void arrange_newer_family(Screen& s, bool has_watchdog_list) {
@@ -186,12 +167,22 @@ void enable_family(frmMain& frm, std::int16_t state) {
 
 }  // namespace
 
+void for_each_option_control(Screen& s, const std::function<void(Control&)>& visit) {
+    std::ranges::for_each(s.LabOption, visit);
+    for (auto* pair : {&s.Option0, &s.Option1, &s.Option2, &s.Option4, &s.Option5, &s.Option6,
+                       &s.Option7, &s.Option8, &s.Option9, &s.Option10, &s.Option11, &s.Option12})
+        std::ranges::for_each(*pair, visit);
+    std::ranges::for_each(s.Option3, visit);
+    for (Control* control : {&s.LabOptionC, &s.Label7, &s.Label20, &s.comWDT_Prescalar})
+        visit(*control);
+}
+
 void Arrange_Options(frmMain& frm) {
     const Rows* rows = family_rows(frm);
     if (!rows) return;
     Screen& s = frm.screen;
     const std::int16_t family = frm.catalogue.MCU_Info.MCU_Family;
-    hide_options(s);
+    for_each_option_control(s, [](Control& control) { control.Visible = false; });
     show_extras(s, family >= 2);
     apply_rows(frm, *rows);
     s.Frame16.List = lines_of(s, *rows);

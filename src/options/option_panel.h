@@ -3,10 +3,14 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include "frmMain.h"
 
 namespace vkm {
+
+// Every control that the panel may show, for one family or another.
+void for_each_option_control(Screen& s, const std::function<void(Control&)>& visit);
 
 // Lays the panel out from the family's rows, with their default choices. The
 // order of its lines stands in Frame16.List: an entry without a parent begins a

@@ -17,6 +17,15 @@ bool choose(Control& control, std::string_view wanted, std::string Entry::*field
 
 }  // namespace
 
+std::string full_name(std::string_view name, int index) {
+    std::string full(name);
+    return index < 0 ? full : full + "(" + std::to_string(index) + ")";
+}
+
+std::string full_name(const Control& control) {
+    return full_name(control.Name, control.Index);
+}
+
 const Entry* chosen_entry(const Control& control) {
     const auto index = static_cast<std::size_t>(control.ListIndex);
     return control.ListIndex >= 0 && index < control.List.size() ? &control.List[index] : nullptr;

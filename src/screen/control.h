@@ -57,6 +57,11 @@ struct Control {
     bool operator==(const Control&) const = default;
 };
 
+// How a control is named outside: "txtDevice", "comDownload(0)". An index below 0 is
+// that of a control that stands in no array.
+std::string full_name(std::string_view name, int index);
+std::string full_name(const Control& control);
+
 // The entry that is chosen, or null.
 const Entry* chosen_entry(const Control& control);
 

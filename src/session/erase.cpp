@@ -33,9 +33,7 @@ Frame erase_frame(const frmMain& frm) {
 
 bool send_erase(frmMain& frm, const Frame& frame) {
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        // A late answer to the link check must not pass for an erased flash.
-        const Try which = attempt == 0 ? Try::first : Try::repeat;
-        if (try_request(frm, frame, answer_ms, which)) return true;
+        if (try_request(frm, frame, answer_ms)) return true;
     }
     return false;
 }

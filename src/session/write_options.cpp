@@ -52,10 +52,6 @@ constexpr std::int16_t lacking_word = 0xFF;
 constexpr std::int16_t on_crystal = 0x02;      // of the byte that chooses the clock
 constexpr int first_firmware_to_compare = 32;  // 3.2
 
-Try next_try(bool all_answered) {
-    return all_answered ? Try::first : Try::repeat;
-}
-
 std::int16_t family(const frmMain& frm) {
     return frm.catalogue.MCU_Info.MCU_Family;
 }
@@ -88,7 +84,7 @@ bool send_family_0(frmMain& frm, const Frame& frame) {
         answer_time(frm, family_0_answer_ms, family_0_line_bytes, family_0_chip_ms);
     for (int attempt = 0; attempt < family_0_attempts && !frm.link.stop_requested; ++attempt) {
         reset_receive(frm);
-        if (try_request(frm, frame, timeout_ms, next_try(attempt == 0))) return true;
+        if (try_request(frm, frame, timeout_ms)) return true;
     }
     return false;
 }
@@ -115,15 +111,12 @@ ReloadPair pair_of_new_mode(const frmMain& frm) {
             static_cast<std::uint8_t>(other ? link.other_Baud_L : link.newBaud_L)};
 }
 
-// One round. What was answered before it is over; what wasn't may still be.
-bool send_family_2(frmMain& frm, bool answered_before) {
+// One round.
+bool send_family_2(frmMain& frm) {
     const Frame frame = build_family_2_options(frm.options.Option_Bytes[0], pair_of_new_mode(frm));
-    bool answered = false;
-    for (int attempt = 0; attempt < attempts_of_a_round && !answered; ++attempt) {
-        if (frm.link.stop_requested) return false;
-        answered = try_request(frm, frame, answer_ms, next_try(answered_before && attempt == 0));
-    }
-    return answered;
+    for (int attempt = 0; attempt < attempts_of_a_round && !frm.link.stop_requested; ++attempt)
+        if (try_request(frm, frame, answer_ms)) return true;
+    return false;
 }
 
 // A byte of nothing but one of two marks says that the chip is to be written in any
@@ -139,9 +132,9 @@ void write_family_2(frmMain& frm) {
         return leave_options_as_they_are(frm);
     reset_receive(frm);
     Restart_Port(frm);
-    bool written = true;
+    bool written = false;
     for (int round = 0; round < rounds; ++round) {
-        written = send_family_2(frm, written);
+        written = send_family_2(frm);
         if (!written) continue;
         Read_Chip_Status(frm, after_writing);
         if (!frm.link.frame_ok) return Option_Write_Failed(frm);
@@ -176,12 +169,12 @@ Frame frame_with_clock(const frmMain& frm) {
 }
 
 // One round. A firmware that says busy is asked again without limit: only Stop
-// ends that. `answered`: the frame sent last was, in this round or the one before.
-bool send_with_clock(frmMain& frm, const Frame& frame, bool& answered) {
+// ends that.
+bool send_with_clock(frmMain& frm, const Frame& frame) {
     LinkState& link = frm.link;
     for (int attempt = 0; attempt < attempts_of_a_round && !link.stop_requested;) {
         reset_receive(frm);
-        answered = try_request(frm, frame, answer_ms, next_try(answered));
+        const bool answered = try_request(frm, frame, answer_ms);
         link.frame_ok = answered && link.rx_frame[answer_code_at] == answer_taken;
         if (link.frame_ok) return true;
         const bool asks_to_wait = answered && link.rx_frame[answer_code_at] == answer_busy;
@@ -203,9 +196,7 @@ void write_with_clock(frmMain& frm) {
     Restart_Port(frm);
     const Frame frame = frame_with_clock(frm);
     bool written = false;
-    bool answered = true;  // the last frame before
-    for (int round = 0; round < rounds && !written; ++round)
-        written = send_with_clock(frm, frame, answered);
+    for (int round = 0; round < rounds && !written; ++round) written = send_with_clock(frm, frame);
     if (!written) return Option_Write_Failed(frm);
     Read_Chip_Status(frm, after_writing);
     if (!frm.link.frame_ok) return Option_Write_Failed(frm);

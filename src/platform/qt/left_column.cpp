@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 
+#include "options/option_panel.h"
 #include "platform/qt/fields.h"
 #include "platform/qt/fitting_area.h"
 #include "platform/qt/form.h"
@@ -98,23 +99,15 @@ QWidget* make_step_3(ScreenView& view, Screen& s) {
 
 // ---- step 4: the options ----------------------------------------------------------
 
-template <std::size_t count>
-void put_on(QWidget* panel, ScreenView& view, std::array<Control, count>& choices) {
-    for (Control& choice : choices) view(choice)->setParent(panel);
-}
-
 // The logic tells which of them are to be seen, and in which order.
 QWidget* make_options(ScreenView& view, Screen& s) {
     auto* panel = view.use(s.Frame16, new OptionPanelView);
-    for (Control& label : s.LabOption) view.use(label, new OptionLabel);
-    for (Control* label : {&s.LabOptionC, &s.Label7, &s.Label20}) view.use(*label, new OptionLabel);
-    put_on(panel, view, s.LabOption);
-    put_on(panel, view, s.Option3);
-    for (auto* pair : {&s.Option0, &s.Option1, &s.Option2, &s.Option4, &s.Option5, &s.Option6,
-                       &s.Option7, &s.Option8, &s.Option9, &s.Option10, &s.Option11, &s.Option12})
-        put_on(panel, view, *pair);
-    for (Control* control : {&s.LabOptionC, &s.Label7, &s.Label20, &s.comWDT_Prescalar, &s.cheTL})
-        view(*control)->setParent(panel);
+    for_each_option_control(s, [&](Control& control) {
+        QWidget* widget =
+            control.Kind == ControlKind::Label ? view.use(control, new OptionLabel) : view(control);
+        widget->setParent(panel);
+    });
+    view(s.cheTL)->setParent(panel);
     return panel;
 }
 

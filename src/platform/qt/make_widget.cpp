@@ -101,10 +101,7 @@ QWidget* make_widget(const Control& control) {
 }
 
 void name_widget(const Control& control, QWidget& widget) {
-    QString name =
-        QString::fromUtf8(control.Name.data(), static_cast<qsizetype>(control.Name.size()));
-    if (control.Index >= 0) name += QStringLiteral("(%1)").arg(control.Index);
-    widget.setObjectName(name);
+    widget.setObjectName(QString::fromStdString(full_name(control)));
     if (const ControlHint* hint = hint_of(control))
         widget.setToolTip(QString::fromUtf8(hint->hint));
 }

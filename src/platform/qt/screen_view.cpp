@@ -101,11 +101,7 @@ void ScreenView::keep_focus_of(Binding& binding) {
 std::vector<std::string> ScreenView::without_widget() const {
     std::vector<std::string> names;
     for (const Binding& binding : bindings_)
-        if (!binding.widget)
-            names.push_back(std::string(binding.record->Name) +
-                            (binding.record->Index < 0
-                                 ? ""
-                                 : "(" + std::to_string(binding.record->Index) + ")"));
+        if (!binding.widget) names.push_back(full_name(*binding.record));
     return names;
 }
 
