@@ -144,7 +144,7 @@ struct OddPort : ForwardingPort {
 
 struct OddWorld : VirtualPlatform {
     OddPort odd{port};
-    frmMain frm{Platform{loop, wall_clock, odd, settings, dialogs, files, sounder}};
+    frmMain frm{Platform{loop, wall_clock, odd, settings, dialogs, files, sounder, code_page}};
     OddWorld() { fill_start_lists(frm.screen); }
 };
 

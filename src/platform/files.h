@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -20,6 +21,13 @@ class FileReader {
     virtual std::size_t read(std::span<std::uint8_t> room) = 0;
 };
 
+// What tells a changed file from an unchanged one.
+struct FileStamp {
+    std::string time;  // of the last change, as fine as the disk keeps it; to compare, not to read
+    std::uint64_t size = 0;  // bytes
+    bool operator==(const FileStamp&) const = default;
+};
+
 class Files {
   public:
     virtual ~Files() = default;
@@ -33,6 +41,12 @@ class Files {
     // Writes a file whole, in place of an existing one. False when that fails;
     // the file before, if there was one, is then still there.
     virtual bool replace(std::string_view path, std::span<const std::uint8_t> bytes) = 0;
+
+    // Nothing when there is no such file.
+    virtual std::optional<FileStamp> stamp(std::string_view path) const = 0;
+
+    // True when the folder stands afterwards; those above it are made too.
+    virtual bool make_folder(std::string_view path) = 0;
 
     // The folder that the program lies in, without a separator at its end.
     virtual std::string program_folder() const = 0;

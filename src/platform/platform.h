@@ -3,6 +3,7 @@
 // (tests/support); nothing inside knows which.
 #pragma once
 
+#include "platform/code_page.h"
 #include "platform/dialogs.h"
 #include "platform/event_loop.h"
 #include "platform/files.h"
@@ -20,6 +21,7 @@ struct Platform {
     Dialogs& dialogs;
     Files& files;
     Sounder& sounder;
+    CodePage& code_page;
 };
 
 }  // namespace vkm

@@ -51,6 +51,7 @@ struct Control {
     std::int32_t LargeChange = 1;
     std::int32_t SelStart = 0;  // in characters, CR and LF counting one each
     std::int32_t SelLength = 0;
+    std::int32_t Rows = 0;  // of a LogBox: lines that the box has room for; 0 before it is drawn
     std::int32_t ListIndex = -1;  // -1: nothing chosen
     std::vector<Entry> List;
 

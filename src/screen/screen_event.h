@@ -14,7 +14,8 @@ enum class EventKind {
     KeyDown,   // Key: 13 Return, 27 Escape, 33 and 34 Page Up and Down, 38 and 40 Up and Down
     KeyPress,  // Text holds the character
     MouseUp,
-    Drop,  // Text holds the path of a file dropped on the window
+    Resize,  // a text view has room for another number of rows
+    Drop,    // Text holds the path of a file dropped on the window
 };
 
 struct ScreenEvent {

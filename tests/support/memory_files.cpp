@@ -95,4 +95,18 @@ bool MemoryFiles::replace(std::string_view path, std::span<const std::uint8_t> b
     return true;
 }
 
+std::optional<FileStamp> MemoryFiles::stamp(std::string_view path) const {
+    const auto found = files.find(std::string(path));
+    if (found == files.end()) return std::nullopt;
+    const MemoryFile& file = found->second;
+    return FileStamp{std::to_string(file.last_modified),
+                     std::max<std::uint64_t>(file.bytes.size(), file.size)};
+}
+
+bool MemoryFiles::make_folder(std::string_view path) {
+    if (disk_full || path.empty() || files.contains(std::string(path))) return false;
+    add_folder(std::string(path));
+    return true;
+}
+
 }  // namespace vkm::test

@@ -38,13 +38,15 @@ class MemoryFiles final : public Files {
     std::map<std::string, MemoryFile> files;
     std::set<std::string> folders;
     std::string folder_of_program = "/opt/vkm";
-    bool disk_full = false;  // replace() fails
+    bool disk_full = false;  // replace() and make_folder() fail
     int open_readers = 0;    // readers that live
 
     // ---- the seam -----------------------------------------------------------
     bool exists(std::string_view path) const override;
     std::unique_ptr<FileReader> open(std::string_view path) override;
     bool replace(std::string_view path, std::span<const std::uint8_t> bytes) override;
+    std::optional<FileStamp> stamp(std::string_view path) const override;
+    bool make_folder(std::string_view path) override;
     std::string program_folder() const override { return folder_of_program; }
 
   private:

@@ -7,6 +7,7 @@
 
 #include "platform/platform.h"
 #include "support/faulty_port.h"
+#include "support/gbk_code_page.h"
 #include "support/memory_files.h"
 #include "support/memory_settings.h"
 #include "support/scripted_dialogs.h"
@@ -31,8 +32,11 @@ struct VirtualPlatform {
     ScriptedDialogs dialogs{loop};
     MemoryFiles files;
     CountingSounder sounder{loop};
+    GbkCodePage code_page;
 
-    Platform seam() { return {loop, wall_clock, faults, settings, dialogs, files, sounder}; }
+    Platform seam() {
+        return {loop, wall_clock, faults, settings, dialogs, files, sounder, code_page};
+    }
 
     // Reports the line's violations as failures of the test, each once.
     void check();

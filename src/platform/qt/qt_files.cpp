@@ -1,6 +1,8 @@
 #include "platform/qt/qt_files.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -51,6 +53,17 @@ bool QtFiles::replace(std::string_view path, std::span<const std::uint8_t> bytes
     const auto count = static_cast<qint64>(bytes.size());
     if (file.write(reinterpret_cast<const char*>(bytes.data()), count) != count) return false;
     return file.commit();
+}
+
+std::optional<FileStamp> QtFiles::stamp(std::string_view path) const {
+    const QFileInfo file(to_qt(path));
+    if (!file.isFile()) return std::nullopt;
+    return FileStamp{from_qt(file.lastModified().toUTC().toString(Qt::ISODateWithMs)),
+                     static_cast<std::uint64_t>(file.size())};
+}
+
+bool QtFiles::make_folder(std::string_view path) {
+    return QDir().mkpath(to_qt(path));
 }
 
 }  // namespace vkm

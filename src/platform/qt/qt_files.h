@@ -13,6 +13,8 @@ class QtFiles final : public Files {
     bool exists(std::string_view path) const override;
     std::unique_ptr<FileReader> open(std::string_view path) override;
     bool replace(std::string_view path, std::span<const std::uint8_t> bytes) override;
+    std::optional<FileStamp> stamp(std::string_view path) const override;
+    bool make_folder(std::string_view path) override;
     std::string program_folder() const override { return program_folder_; }
 
   private:

@@ -12,7 +12,7 @@ Tool::Tool(const ToolChoices& choices)
       ports(settings),
       port(ports),
       loop(port),
-      frm({loop, wall_clock, port, settings, dialogs, files, sounder}),
+      frm({loop, wall_clock, port, settings, dialogs, files, sounder, code_page}),
       window(frm, queue, port, ports) {
     for (const auto& [number, device] : choices.ports) ports.use(number, device);
     loop.draw = [this] { window.draw(); };

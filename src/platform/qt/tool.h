@@ -9,6 +9,7 @@
 #include "platform/qt/main_window_view.h"
 #include "platform/qt/operator_queue.h"
 #include "platform/qt/port_registry.h"
+#include "platform/qt/qt_code_page.h"
 #include "platform/qt/qt_dialogs.h"
 #include "platform/qt/qt_event_loop.h"
 #include "platform/qt/qt_files.h"
@@ -38,6 +39,7 @@ struct Tool {
     QtSettingsStore settings;
     QtFiles files;
     QtSounder sounder;
+    QtCodePage code_page;
     SystemClock wall_clock;
     PortRegistry ports;
     QtSerialPort port;

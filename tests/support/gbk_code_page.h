@@ -1,0 +1,14 @@
+// GBK by the C library, for tests without Qt.
+#pragma once
+
+#include "platform/code_page.h"
+
+namespace vkm::test {
+
+class GbkCodePage final : public CodePage {
+  public:
+    std::string to_screen(std::string_view bytes) const override;
+    std::string to_file(std::string_view utf8) const override;
+};
+
+}  // namespace vkm::test
