@@ -42,7 +42,7 @@ void LoadHex64K(benchmark::State& state) {
     const auto path = std::filesystem::temp_directory_path() / "vkm-bench-64k.hex";
     std::ofstream(path, std::ios::binary) << hex_file_of_64K();
     frmMain frm({platform.loop, platform.wall_clock, platform.port, platform.settings,
-                 platform.dialogs, files, platform.sounder});
+                 platform.dialogs, files, platform.sounder, platform.code_page});
     Allocate_Buffers(frm);
     frm.screen.txtDevice.Text = "VKM47H516RK";
     Apply_Model(frm);

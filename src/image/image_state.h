@@ -16,6 +16,8 @@ struct ImageState {
     std::string Current_File;  // path that was chosen last, of either kind
     std::string Program_File;  // path loaded last into AP_Buffer, which a reload takes again
 
+    bool Buffer_Edit_OK = false;  // the operator has agreed to change the program image
+
     // Plugs; a plug that is null is passed over.
     void (*Show_Chosen_Page)(frmMain&) = nullptr;  // TabStrip2: shows the page of its chosen tab
     void (*Load_Project)(frmMain&, const std::string& path) = nullptr;  // a ".VKM" file was chosen

@@ -6,8 +6,6 @@
 
 namespace vkm {
 
-struct frmMain;
-
 struct Auto_Increase_Set {
     std::string Set_Name;        // "AP_AUTO_INCREASE" or "Data_Auto_Increase"
     std::int32_t Address = 0;    // of the lowest-order byte; the number extends downward
@@ -23,13 +21,6 @@ struct Auto_Increase_Set {
 struct IncreaseState {
     Auto_Increase_Set Auto_Increase{.Set_Name = "AP_AUTO_INCREASE"};         // program image
     Auto_Increase_Set Data_Auto_Increase{.Set_Name = "Data_Auto_Increase"};  // data image
-
-    // Plugs of the numbering; a plug that is null is passed over.
-    void (*cheAuto_Increase_Click)(frmMain&) = nullptr;
-    void (*cheData_Auto_Increase_Click)(frmMain&) = nullptr;
-    void (*Read_Auto_Increase)(frmMain&) = nullptr;
-    // Advance, patch, redraw and save, for each active set: after a good chip.
-    void (*Advance_Numbers)(frmMain&) = nullptr;
 };
 
 }  // namespace vkm

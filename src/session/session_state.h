@@ -3,7 +3,10 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
+
+#include "platform/files.h"
 
 namespace vkm {
 
@@ -63,6 +66,12 @@ struct SessionState {
     bool Running = false;
     Job_Result Result = Job_Result::none;
     std::string Failed_Step;  // named beside a failed result, as the operator sees it
+
+    // The program file as Timer12 saw it last, and a change that has yet to come to
+    // rest: a compiler may still be writing.
+    std::string Watched_File;
+    std::string Watched_Time;
+    std::optional<FileStamp> Unsettled;
 
     // Plugs of later steps; a plug that is null is passed over.
     void (*Close_Assistant_Port)(frmMain&) = nullptr;
