@@ -30,7 +30,7 @@ FLOORS = [
     ["increase"],
     ["image"],
     ["link"],
-    ["selection"],  # choosing a model: it empties the images
+    ["selection"],  # choosing a model empties the images; a number is shown in them
     ["session"],
     ["monitor"],
     ["assistant"],
@@ -43,7 +43,9 @@ FLOOR = {name: level for level, row in enumerate(FLOORS) for name in row}
 
 HALL = "src/frmMain.h"
 BESIDE_HALL = "src/plug.h"
-SELECTION = ("src/catalogue/model_selection.h", "src/catalogue/model_selection.cpp")
+# Operations of a low folder that work with the images stand above them.
+SELECTION = ("src/catalogue/model_selection.h", "src/catalogue/model_selection.cpp",
+             "src/increase/number_sequence.h", "src/increase/number_sequence.cpp")
 QT = re.compile(r"^(Q[A-Z]\w*|Qt\w*/.*)$")
 SIMULATOR_MAY = ("tools/simulators/", "src/text/", "src/catalogue/")
 

@@ -9,6 +9,11 @@ namespace vkm {
 namespace {
 
 constexpr std::size_t row_length = 60;  // 58 characters and CR LF
+constexpr std::string_view page_head = "\r\n\r\n";
+constexpr std::int64_t row_head = 10;  // blank, address, three blanks
+constexpr std::int64_t byte_width = 3;
+// From the last digits of a row to the first ones of the next it is so much farther.
+constexpr std::int32_t wrap_width = 12;
 
 }  // namespace
 
@@ -26,16 +31,33 @@ std::string hex_row(std::span<const std::uint8_t> bytes, std::int64_t first, std
     return row += "\r\n";
 }
 
-std::string hex_page(std::span<const std::uint8_t> bytes, std::int64_t first, std::int64_t last) {
-    std::string text = "\r\n\r\n";
+std::string hex_page(std::span<const std::uint8_t> bytes, std::int64_t first, std::int64_t last,
+                     std::int64_t rows) {
+    std::string text(page_head);
     if (first < 0) return text;
     std::int64_t address = first - first % bytes_per_row;
-    last = std::min({last, address + rows_per_page * bytes_per_row - 1,
-                     static_cast<std::int64_t>(bytes.size()) - 1});
+    last = std::min(
+        {last, address + rows * bytes_per_row - 1, static_cast<std::int64_t>(bytes.size()) - 1});
     text.reserve(text.size() + rows_per_page * row_length);
     for (; address <= last; address += bytes_per_row)
         text += hex_row(bytes, address, std::min(address + bytes_per_row - 1, last));
     return text;
+}
+
+std::optional<PagePlace> place_in_page(std::string_view page, std::int64_t first,
+                                       std::int64_t address, std::int32_t length) {
+    const std::int64_t begin = first - first % bytes_per_row;
+    if (first < 0 || address < begin) return std::nullopt;
+    const std::int64_t column = address % bytes_per_row;
+    const std::int64_t start = static_cast<std::int64_t>(page_head.size()) +
+                               (address - begin) / bytes_per_row * std::int64_t{row_length} +
+                               row_head + column * byte_width;
+    // Behind the last byte of the page there is no digit.
+    if (start + 1 >= static_cast<std::int64_t>(page.size())) return std::nullopt;
+    if (hex_digit(page[static_cast<std::size_t>(start)]) < 0) return std::nullopt;
+    PagePlace place = {static_cast<std::int32_t>(start), length * std::int32_t{byte_width} - 1};
+    if (column + length > bytes_per_row - 1) place.length += wrap_width;
+    return place;
 }
 
 }  // namespace vkm

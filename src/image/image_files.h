@@ -46,7 +46,8 @@ void Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer);
 // Fits the scroll bar to the image and redraws the page.
 void Refresh_Buffer_View(frmMain& frm, Image_Buffer& buffer, Auto_Increase_Set& set);
 
-// The scroll bar of a view moved: 0 program image, 1 data image.
+// The scroll bar of a view moved: 0 program image, 1 data image. The view is drawn
+// and takes the keyboard when it can be seen.
 void vscFile_Change(frmMain& frm, int element);
 
 // ---- the operator's entry points ----

@@ -30,6 +30,12 @@ inline constexpr MessageText start_out_of_range_data = {
 inline constexpr MessageText file_gone = {"Can not find the file.",
                                           "Can not find the file./找不到文件"};
 
+// Overwriting digits in the hex view.
+inline constexpr MessageText ask_to_edit = {"Update the buffer ?",
+                                            "Update the buffer? / 修改缓冲区内容吗?"};
+inline constexpr MessageText nothing_to_edit = {" Please open file.",
+                                                "    Please open file./请打开文件。    "};
+
 // Dialogs, and the captions that a chosen path stands behind.
 inline constexpr std::string_view open_title = "Open file ( *.hex or *.bin )";
 inline constexpr std::string_view open_data_title = "Open Data file ( *.hex or *.bin )";

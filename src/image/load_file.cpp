@@ -7,7 +7,7 @@
 #include "image/image_messages.h"
 #include "image/readers.h"
 #include "image/start_address.h"
-#include "plug.h"
+#include "increase/auto_increase.h"
 
 namespace vkm {
 namespace {
@@ -43,12 +43,6 @@ void clear_highlights(IncreaseState& increase) {
     increase.Data_Auto_Increase.Sel_Length = 0;
 }
 
-// The numbering must be enabled anew for each file.
-void switch_numbering_off(frmMain& frm) {
-    frm.screen.cheAuto_Increase.Value = 0;
-    frm.screen.cheData_Auto_Increase.Value = 0;
-}
-
 }  // namespace
 
 void Read_Buffer_Options(frmMain& frm, Image_Buffer& buffer) {
@@ -73,10 +67,11 @@ void Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
     keep_or_clear(frm, buffer);
     clear_highlights(frm.increase);
     if (!Load_Any_File(frm, path, buffer)) return;
-    switch_numbering_off(frm);
-    run_plug(frm, frm.increase.Read_Auto_Increase);
+    // The numbering must be enabled anew for each file.
+    Switch_Numbering_Off(frm);
+    Read_Auto_Increase(frm);
     Refresh_Buffer_View(frm, buffer, view_of_buffer(frm, buffer).set);
-    run_plug(frm, frm.increase.cheAuto_Increase_Click);
+    Free_Number_Fields(frm, frm.increase.Auto_Increase);
     buffer.Has_File = true;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "increase/auto_increase.h"
 #include "session/download_session.h"
 #include "text/numbers.h"
 #include "text/trimming.h"
@@ -32,7 +33,10 @@ std::string one_more(std::string_view count) {
     return digits.substr(std::min(digits.find_first_not_of('0'), digits.size() - 1));
 }
 
+// The next chip's numbers go to the disk with the count: a tool that dies in between
+// would give two chips the same number.
 void count_good_chip(frmMain& frm) {
+    Note_Numbers_Behind(frm);
     store_count(frm, one_more(frm.screen.txtWrite_OK_Count.Text));
 }
 

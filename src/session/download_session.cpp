@@ -1,6 +1,7 @@
 #include "session/download_session.h"
 
 #include "image/image_files.h"
+#include "increase/number_sequence.h"
 #include "link/isp_link.h"
 #include "options/option_schema.h"
 #include "plug.h"
@@ -8,6 +9,7 @@
 #include "session/download_plan.h"
 #include "session/end_session.h"
 #include "session/erase.h"
+#include "session/program_ranges.h"
 #include "session/programming.h"
 #include "session/session_lease.h"
 #include "session/session_report.h"
@@ -39,9 +41,10 @@ bool has_file(frmMain& frm) {
 }
 
 // Only the program file is read again, also when a data file was chosen after
-// it. False when the operator then refused the file.
+// it; what a project brought along stays. False when the operator then refused the
+// file.
 bool reload_file(frmMain& frm) {
-    if (frm.screen.cekReloadFile.Value == 0) return true;
+    if (frm.screen.cekReloadFile.Value == 0 || frm.images.Program_File.empty()) return true;
     Check_Last_File(frm);
     const std::string path = frm.images.Program_File;
     Load_File(frm, path, frm.images.AP_Buffer);
@@ -50,9 +53,8 @@ bool reload_file(frmMain& frm) {
 
 // A number that the operator touched since the last download is checked and patched now.
 void patch_touched_numbers(frmMain& frm) {
-    IncreaseState& increase = frm.increase;
-    if (!increase.Auto_Increase.Active) run_plug(frm, increase.cheAuto_Increase_Click);
-    if (!increase.Data_Auto_Increase.Active) run_plug(frm, increase.cheData_Auto_Increase_Click);
+    if (!frm.increase.Auto_Increase.Active) cheAuto_Increase(frm);
+    if (!frm.increase.Data_Auto_Increase.Active) cheData_Auto_Increase(frm);
 }
 
 void begin_session(frmMain& frm) {
@@ -151,6 +153,17 @@ void report_success(frmMain& frm) {
         append_message(screen, std::string(program_times) + length);
     }
     append_message(screen, encrypted);
+    switch (
+        data_file_sent(frm.catalogue.MCU_Info, frm.images.Data_Buffer, frm.catalogue.Block_Size)) {
+        case Data_File_Sent::no:
+            append_message(screen, data_file_not_sent);
+            break;
+        case Data_File_Sent::in_part:
+            append_message(screen, data_file_cut);
+            break;
+        case Data_File_Sent::whole:
+            break;
+    }
 }
 
 void finish_chip(frmMain& frm) {
@@ -160,7 +173,7 @@ void finish_chip(frmMain& frm) {
     job_done(frm);
     if (frm.screen.optBeepYes.Value != 0) frm.platform.sounder.beep();
     scroll_log_to_end(frm.screen);
-    run_plug(frm, frm.increase.Advance_Numbers);
+    Advance_Numbers(frm);
 }
 
 // One round of the session. False when it ended without a good chip; the
@@ -210,6 +223,9 @@ void comDownload(frmMain& frm, int Index) {
     close_assistant_port(frm);
     if (!has_file(frm) || !reload_file(frm)) return;
     patch_touched_numbers(frm);
+    // A view that was drawn anew asks for the keyboard. It stays at the button, for
+    // the next chip.
+    frm.screen.Focus_Request = {};
     // The window may have been closed behind a box of the steps before.
     if (frm.link.close_pending) return;
     begin_session(frm);

@@ -41,6 +41,15 @@ constexpr std::int32_t bar_unit = 256;
 // Room behind the joined image, so that its last block is whole.
 constexpr std::int32_t joined_margin = 512;
 
+// A data file of one byte counts as none.
+bool joined_with_data(const Image_Buffer& Data_Buffer) {
+    return Data_Buffer.Image_High >= 1;
+}
+
+std::int32_t last_of_joined(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer) {
+    return MCU_Info.AP_End + Data_Buffer.Image_High;
+}
+
 // Copies bytes 0 to `last` to `place`, as far as both images reach.
 void copy_bytes(const Image_Buffer& from, std::int32_t last, std::vector<std::uint8_t>& to,
                 std::int32_t place) {
@@ -88,15 +97,26 @@ Joined_Image join_images(const MCU_Record& MCU_Info, const Image_Buffer& AP_Buff
     image.File_High = AP_Buffer.File_High;
     image.Sum = AP_Buffer.Sum;
 
-    const bool with_data = Data_Buffer.Image_High >= 1;
+    const bool with_data = joined_with_data(Data_Buffer);
     const std::int32_t last =
-        std::max(with_data ? MCU_Info.AP_End + Data_Buffer.Image_High : AP_Buffer.Image_High, 0);
+        std::max(with_data ? last_of_joined(MCU_Info, Data_Buffer) : AP_Buffer.Image_High, 0);
     image.Bytes.assign(static_cast<std::size_t>(last + joined_margin) + 1, 0);
     copy_bytes(AP_Buffer, with_data ? MCU_Info.AP_End : last, image.Bytes, 0);
     if (with_data)
         copy_bytes(Data_Buffer, Data_Buffer.Image_High, image.Bytes, MCU_Info.Data_Start);
     joined.range = {0, last + 1};
     return joined;
+}
+
+Data_File_Sent data_file_sent(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer,
+                              std::int32_t Block_Size) {
+    if (!Data_Buffer.Has_File) return Data_File_Sent::whole;
+    if (!joins_data_file(MCU_Info, Data_Buffer) || !joined_with_data(Data_Buffer))
+        return Data_File_Sent::no;
+    const std::int32_t end = programmed_end(last_of_joined(MCU_Info, Data_Buffer) + 1, Block_Size);
+    if (MCU_Info.Data_Start > end) return Data_File_Sent::no;
+    return MCU_Info.Data_Start + Data_Buffer.Image_High > end ? Data_File_Sent::in_part
+                                                              : Data_File_Sent::whole;
 }
 
 std::optional<std::int16_t> firmware_size(double version) {

@@ -47,6 +47,14 @@ struct Joined_Image {
 Joined_Image join_images(const MCU_Record& MCU_Info, const Image_Buffer& AP_Buffer,
                          const Image_Buffer& Data_Buffer);
 
+// Whether the bytes of a loaded data file are among those that a job sends: the
+// families without a joined image send none, and where the data memory doesn't follow
+// the program area the joined image may end before them. Without a data file there
+// is nothing to miss.
+enum class Data_File_Sent { whole, in_part, no };
+Data_File_Sent data_file_sent(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer,
+                              std::int32_t Block_Size);
+
 // ---- the boot firmware's limit ----------------------------------------------
 
 // Bytes of the boot firmware of this version; empty for one that the table

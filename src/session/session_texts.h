@@ -23,9 +23,23 @@ inline constexpr std::string_view erase_times = "erase times/擦除时间 :  ";
 inline constexpr std::string_view program_times = "program times/下载时间: ";
 inline constexpr MessageText encrypted = {"Have already encrypt.",
                                           "Have already encrypt. / 已加密"};
+inline constexpr MessageText data_file_not_sent = {
+    "The data file was not sent.", "The data file was not sent. / 数据文件未下载。"};
+inline constexpr MessageText data_file_cut = {
+    "The data file was not wholly sent.",
+    "The data file was not wholly sent. / 数据文件未全部下载。"};
 inline constexpr MessageText succeeded = {"Program succeed.", "Program succeed. / 下载成功."};
 inline constexpr std::string_view next_chip = "After a few seconds re-connect will continue.  ";
 inline constexpr std::string_view next_chip_CN = "Chinese:几秒钟后将继续下载下一个 MCU...  ";
+
+// ---- the user code that sends a running target into its boot firmware ----
+inline constexpr MessageText no_file_for_code = {"Please open file.",
+                                                 "Please open file./请打开文件。"};
+inline constexpr std::string_view user_code_port_title = "  调试用串口     ";
+// Followed by the settings.
+inline constexpr MessageText settings_refused = {
+    "The port does not take these settings: ",
+    "The port does not take these settings / 串口不支持此参数: "};
 
 // ---- connecting ----
 inline constexpr MessageText connecting = {"We are trying to connect to your MCU ... ",

@@ -6,9 +6,10 @@
 #include "catalogue/model_selection.h"
 #include "catalogue/tab_strips.h"
 #include "image/image_files.h"
+#include "increase/auto_increase.h"
+#include "increase/number_sequence.h"
 #include "link/isp_link.h"
 #include "options/mcu_options.h"
-#include "plug.h"
 #include "session/download_session.h"
 #include "waiting/waiting.h"
 #include "window/hardware_help.h"
@@ -23,6 +24,9 @@ constexpr std::string_view restore_caption = "恢复主窗体";
 
 // Time for the waits of a stopped session to end before the window closes.
 constexpr std::int32_t unload_delay_ms = 500;
+
+// How often the program file is looked at.
+constexpr std::int32_t file_watch_ms = 1000;
 
 // How far the arrows of a buffer's scroll bar go: a page of 16 lines of the
 // program, a line of the data.
@@ -58,14 +62,16 @@ void Load(frmMain& frm) {
     Load_Window(frm);
     TabStrip1_Click(frm);
     TabStrip2_Click(frm);
+    Load_Auto_Increase_Settings(frm);
     Load_Settings(frm);
     Clear_Flags(frm);
     Start_Values(frm.screen);
-    run_plug(frm, frm.increase.Read_Auto_Increase);
-    run_plug(frm, frm.increase.cheAuto_Increase_Click);
+    Read_Auto_Increase(frm);
+    cheAuto_Increase(frm);
     Reset_Buffer(frm, 0, frm.images.AP_Buffer);
     Reset_Buffer(frm, 0, frm.images.Data_Buffer);
     Set_UI_State(frm, ui_idle);
+    restart_timer(frm, frm.timers.Timer12, file_watch_ms);
 }
 
 bool QueryUnload(frmMain& frm) {

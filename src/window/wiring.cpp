@@ -1,13 +1,19 @@
 #include "window/wiring.h"
 
 #include "catalogue/model_selection.h"
+#include "image/buffer_view.h"
+#include "image/hex_editor.h"
 #include "image/image_files.h"
+#include "increase/auto_increase.h"
+#include "increase/number_sequence.h"
 #include "link/isp_link.h"
 #include "options/option_panel.h"
+#include "project/project_files.h"
 #include "session/connect_advice.h"
 #include "session/download_session.h"
 #include "session/read_chip_lock.h"
 #include "session/session_lease.h"
+#include "session/user_code.h"
 #include "window/main_window.h"
 #include "window/settings.h"
 
@@ -46,9 +52,38 @@ void run_between_jobs(frmMain& frm, Event) {
     if (lease.granted()) operation(frm);
 }
 
+// What shows a box: no job begins behind it.
+template <void (*operation)(frmMain&)>
+void run_and_hold_jobs(frmMain& frm, Event) {
+    const Session_Lease lease(frm);
+    operation(frm);
+}
+
 void Drop_File(frmMain& frm, Event event) {
     const Session_Lease lease(frm);
     if (lease.granted()) Open_Dropped_File(frm, event.Text);
+}
+
+// The views of the two images.
+template <int element>
+void Buffer_Key_Down(frmMain& frm, Event event) {
+    Buffer_Key_Down(frm, element, event.Key);
+}
+
+// The image of a running job can't be edited, and no job begins behind the question.
+template <int element>
+void Buffer_Key_Press(frmMain& frm, Event event) {
+    const Session_Lease lease(frm);
+    if (lease.granted()) Buffer_Key_Press(frm, element, event.Text);
+}
+
+template <int element>
+void Buffer_Resized(frmMain& frm, Event) {
+    Redraw_Page(frm, element == 0 ? frm.images.AP_Buffer : frm.images.Data_Buffer);
+}
+
+void Snap_Clicked(frmMain&, Event event) {
+    Snap_Cursor(*event.Source);
 }
 
 void Tree_Key(frmMain& frm, Event event) {
@@ -77,16 +112,38 @@ constexpr Wire wire_table[] = {
     {"TabStrip1",                Click,   run<TabStrip1_Click>},
     {"TabStrip2",                Click,   run<TabStrip2_Click>},
     {"vscFile",                  Change,  run_element<vscFile_Change>},
+    // Hex view
+    {"txtBuffer2",               KeyDown,  Buffer_Key_Down<0>},
+    {"txtBuffer2",               KeyPress, Buffer_Key_Press<0>},
+    {"txtBuffer2",               MouseUp,  Snap_Clicked},
+    {"txtBuffer2",               Resize,   Buffer_Resized<0>},
+    {"tetDataFlash2",            KeyDown,  Buffer_Key_Down<1>},
+    {"tetDataFlash2",            KeyPress, Buffer_Key_Press<1>},
+    {"tetDataFlash2",            MouseUp,  Snap_Clicked},
+    {"tetDataFlash2",            Resize,   Buffer_Resized<1>},
+    // Numbering
+    {"cheAuto_Increase",         Click,   run_between_jobs<cheAuto_Increase>},
+    {"texAuto_Increase",         Change,  run<Program_Number_Touched>},
+    {"optAuto_Increase",         Click,   run<Program_Number_Touched>},
+    {"cheData_Auto_Increase",    Click,   run_between_jobs<cheData_Auto_Increase>},
+    {"texData_Auto_Increase",    Change,  run<Data_Number_Touched>},
+    {"optData_Auto_Increase",    Click,   run<Data_Number_Touched>},
+    // Projects
+    {"comOpenBatchFile",         Click,   run_between_jobs<comOpenBatchFile>},
+    {"comSaveBatchFile",         Click,   run_between_jobs<comSaveBatchFile>},
+    {"Command1",                 Click,   run_and_hold_jobs<Command1>},
+    // User code
+    {"comSendUserCode",          Click,   run<comSendUserCode>},
     // Save File
     {"txt_Start_Address",        Change,  run<Enable_Save_File>},
     {"txt_length",               Change,  run<Enable_Save_File>},
-    {"comStoreFile",             Click,   run<comStoreFile>},
+    {"comStoreFile",             Click,   run_between_jobs<comStoreFile>},
     // Options
     {"Option9",                  Click,   run<Follow_Watchdog_Choice>},
     {"Option10",                 Click,   run<Follow_Watchdog_Choice>},
     {"opt_485_pin",              Click,   run_and_save<Follow_485_Choice>},
     {"opt_External_WDT",         Click,   run_and_save<Follow_External_WDT_Choice>},
-    {"comb_External_WDT",        Click,   run<Check_Pin_Clash>},
+    {"comb_External_WDT",        Click,   run_and_hold_jobs<Check_Pin_Clash>},
     {"comReadChipLock",          Click,   run<comReadChipLock>},
     {"comLockOptions",           Click,   run<comLockOptions>},
     {"comUnlockOptions",         Click,   run<comUnlockOptions>},
@@ -118,6 +175,8 @@ void wire_timers(Timers& timers) {
     timers.Timer3.Tick = Timer3_Tick;
     timers.Timer4.Tick = Timer4_Tick;
     timers.Timer9.Tick = Timer9_Tick;
+    timers.Timer11.Tick = Timer11_Tick;
+    timers.Timer12.Tick = Timer12_Tick;
     timers.TimerUnload.Tick = TimerUnload_Tick;
 }
 
@@ -132,6 +191,7 @@ void wire(frmMain& frm) {
     frm.link.Receive_Event = on_port_event;
     frm.link.Check_Model = Check_Model;
     frm.images.Show_Chosen_Page = TabStrip2_Click;
+    frm.images.Load_Project = Open_Project;
 }
 
 void handle_event(frmMain& frm, const ScreenEvent& event) {

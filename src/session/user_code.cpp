@@ -1,0 +1,153 @@
+#include "session/user_code.h"
+
+#include <string>
+
+#include "image/image_files.h"
+#include "link/isp_link.h"
+#include "plug.h"
+#include "session/download_session.h"
+#include "session/session_lease.h"
+#include "session/session_report.h"
+#include "session/session_texts.h"
+#include "text/hexadecimal.h"
+#include "text/trimming.h"
+#include "waiting/waiting.h"
+
+namespace vkm {
+namespace {
+
+constexpr std::int32_t output_poll_ms = 1;
+constexpr std::int32_t jump_ms = 20;  // in which the target reaches its boot firmware
+
+// One character of the text each, so that pairs are counted right whatever was typed.
+std::string single_bytes(std::string_view utf8) {
+    std::string text;
+    for (const char c : utf8) {
+        const bool continuation = (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+        if (!continuation) text += static_cast<unsigned char>(c) < 0x80 ? c : '?';
+    }
+    return text;
+}
+
+std::string settings_of_user_code(const Screen& screen) {
+    return std::string(text_of(screen.cobUserCodeBaud)) + ',' +
+           std::string(text_of(screen.cobUserCodeParity).substr(0, 1)) + ',' +
+           std::string(text_of(screen.cobUserCodeDataBits)) + ',' +
+           std::string(text_of(screen.cobUserCodeStopBits));
+}
+
+bool open_for_user_code(frmMain& frm) {
+    close_port(frm);
+    const std::string settings = settings_of_user_code(frm.screen);
+    if (!frm.platform.port.set_settings(settings)) {
+        frm.platform.dialogs.show_text(
+            std::string(chosen_text(frm.screen, session_text::settings_refused)) + settings,
+            session_text::user_code_port_title);
+        return false;
+    }
+    if (open_port(frm) == 0) return true;
+    beep_times(frm, 3);
+    append_message(frm.screen, link_text::open_failed);
+    report(frm, link_text::port_taken_or_missing);
+    return false;
+}
+
+void wait_until_sent(frmMain& frm) {
+    const SerialPort& port = frm.platform.port;
+    while (port.is_open() && port.output_count() > 0) wait_ms(frm, output_poll_ms);
+}
+
+// False when there was nothing to download, or no port to send on.
+bool send_user_code(frmMain& frm) {
+    const Session_Lease lease(frm);
+    if (!lease.granted()) return false;
+    run_plug(frm, frm.session.Close_Assistant_Port);
+    if (!frm.images.File_Loaded) {
+        frm.platform.dialogs.show_text(chosen_text(frm.screen, session_text::no_file_for_code));
+        return false;
+    }
+    if (!open_for_user_code(frm)) return false;
+    const std::vector<std::uint8_t> code = user_code_bytes(frm.screen.txtUserCode.Text);
+    wait_until_sent(frm);
+    write_signal(frm, code);
+    wait_until_sent(frm);
+    wait_ms(frm, jump_ms);
+    return true;
+}
+
+// The ticks that want something done when the file has changed.
+bool send_code_wanted(const frmMain& frm) {
+    return frm.screen.cekReloadFileWhileFileChange1.Value != 0;
+}
+
+bool download_wanted(const frmMain& frm) {
+    return frm.screen.cekReloadFileWhileFileChange.Value != 0;
+}
+
+// True once the watched file is another than at the last look, and rests.
+bool has_changed(frmMain& frm) {
+    SessionState& session = frm.session;
+    const std::string& file = frm.images.Program_File;
+    const std::optional<FileStamp> now = frm.platform.files.stamp(file);
+    if (file != session.Watched_File) {
+        session.Watched_File = file;
+        session.Watched_Time = now ? now->time : std::string();
+        session.Unsettled.reset();
+        return false;
+    }
+    if (!now || now->size == 0 || now->time == session.Watched_Time) {
+        session.Unsettled.reset();
+        return false;
+    }
+    if (now != session.Unsettled) {
+        session.Unsettled = now;
+        return false;
+    }
+    session.Watched_Time = now->time;
+    session.Unsettled.reset();
+    return true;
+}
+
+bool reload_changed_file(frmMain& frm) {
+    const Session_Lease lease(frm);
+    if (!lease.granted() || !has_changed(frm)) return false;
+    Check_Last_File(frm);
+    const std::string path = frm.images.Program_File;
+    Load_File(frm, path, frm.images.AP_Buffer);
+    return !frm.link.close_pending;
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> user_code_bytes(std::string_view text) {
+    const std::string characters = single_bytes(trimmed(text));
+    std::vector<std::uint8_t> bytes;
+    for (std::size_t at = 0; at < characters.size();) {
+        if (characters[at] < '0') {
+            ++at;
+            continue;
+        }
+        const std::string_view pair = std::string_view(characters).substr(at, 2);
+        int value = 0;
+        for (const char c : pair) {
+            if (hex_digit(c) < 0) break;
+            value = value * 16 + hex_digit(c);
+        }
+        bytes.push_back(static_cast<std::uint8_t>(value));
+        at += pair.size();
+    }
+    return bytes;
+}
+
+void comSendUserCode(frmMain& frm) {
+    if (send_user_code(frm) && !frm.link.close_pending) comDownload(frm, 0);
+}
+
+void Timer12_Tick(frmMain& frm) {
+    if (!frm.images.File_Loaded || !(send_code_wanted(frm) || download_wanted(frm))) return;
+    if (frm.images.Program_File.empty() || !reload_changed_file(frm)) return;
+    if (send_code_wanted(frm)) comSendUserCode(frm);
+    if (download_wanted(frm)) comDownload(frm, 0);
+}
+
+}  // namespace vkm
