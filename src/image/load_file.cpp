@@ -71,7 +71,6 @@ void Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
     Switch_Numbering_Off(frm);
     Read_Auto_Increase(frm);
     Refresh_Buffer_View(frm, buffer, view_of_buffer(frm, buffer).set);
-    Free_Number_Fields(frm, frm.increase.Auto_Increase);
     buffer.Has_File = true;
 }
 

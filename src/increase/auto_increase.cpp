@@ -173,10 +173,8 @@ void Data_Number_Touched(frmMain& frm) {
     frm.increase.Data_Auto_Increase.Active = false;
 }
 
-void Free_Number_Fields(frmMain& frm, Auto_Increase_Set& set) {
-    if (frm.session.UI_State != ui_idle) return;
-    const NumberPlace place = place_of(frm, set);
-    if (!place.enable.Enabled) return;
+void Free_Number_Fields(const frmMain& frm, const NumberPlace& place) {
+    if (frm.session.UI_State != ui_idle || !place.enable.Enabled) return;
     for (Control& field : place.fields) field.Enabled = true;
     for (Control& format : place.formats) format.Enabled = true;
 }
@@ -185,6 +183,7 @@ void Switch_Numbering_Off(frmMain& frm) {
     for (const NumberPlace& place : places(frm)) {
         place.enable.Value = 0;
         place.set.Active = false;
+        Free_Number_Fields(frm, place);
     }
 }
 

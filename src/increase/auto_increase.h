@@ -64,9 +64,9 @@ std::string last_saved_number(frmMain& frm, const Auto_Increase_Set& set);
 void Program_Number_Touched(frmMain& frm);
 void Data_Number_Touched(frmMain& frm);
 
-// The fields of a set, while numbering is off: for a free tool and a model that has
-// such an image.
-void Free_Number_Fields(frmMain& frm, Auto_Increase_Set& set);
+// The operator may enter a number: where the tool is free and the model has such an
+// image.
+void Free_Number_Fields(const frmMain& frm, const NumberPlace& place);
 
 // Numbering off for both images, as every new file wants it.
 void Switch_Numbering_Off(frmMain& frm);

@@ -22,7 +22,7 @@ void lock_fields(const NumberPlace& place) {
 void enable_click(frmMain& frm, Auto_Increase_Set& set) {
     const NumberPlace place = place_of(frm, set);
     if (place.enable.Value == 0) {
-        Free_Number_Fields(frm, set);
+        Free_Number_Fields(frm, place);
         set.Active = false;
         return;
     }
