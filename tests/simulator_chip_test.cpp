@@ -160,6 +160,28 @@ TEST(SimulatedChip, StartsTheUserProgramWhenNoPulsesComeInItsWindow) {
     EXPECT_TRUE(programmed.connect().bytes.empty());
 }
 
+TEST(SimulatedChip, LeavesItsRunningProgramOnlyForTheWholeUserCodeAtTheProgramsRate) {
+    ChipConfig config = chip_of("VKM47H58RK+");
+    config.listen_window = 200ms;
+    config.user_code = {0x55, 0xAA, 0x55};
+    config.user_code_baud = 9600;
+    ChipDriver driver(config);
+    driver.chip.load_flash(bytes_of(10));
+    driver.chip.power_off(driver.now);
+    driver.chip.power_on(driver.now);
+    driver.advance_to(driver.now + 200ms);
+    ASSERT_EQ(driver.chip.state(), ChipState::running);
+
+    driver.send({0x55, 0xAA, 0x55}, 19200);
+    driver.send({0xAA, 0x55, 0x55, 0xAA}, 9600);
+    EXPECT_EQ(driver.chip.state(), ChipState::running);
+    driver.send({0x55}, 9600);
+    EXPECT_EQ(driver.chip.state(), ChipState::listening);
+    EXPECT_EQ(driver.chip.counters().user_codes, 1);
+    EXPECT_EQ(driver.chip.counters().power_ups, 1);
+    EXPECT_FALSE(driver.connect().bytes.empty());
+}
+
 // ---- the status frame -----------------------------------------------------------
 
 struct StatusCase {

@@ -44,6 +44,10 @@ struct ChipConfig {
     std::chrono::milliseconds option_time{8};    // writing the option bytes
     std::chrono::milliseconds listen_window{0};  // without pulses for so long after power-up, the
                                                  // user program starts; 0: it listens for ever
+    // What its running program takes for the order to jump into the boot firmware, and
+    // the rate at which it listens for that; empty: it listens for nothing.
+    std::vector<std::uint8_t> user_code{};
+    double user_code_baud = 115200;
     Instant powered_at{};  // cold until then; `never`: until power_on is called
     AfterStart after_start{};
 

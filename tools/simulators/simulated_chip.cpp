@@ -161,9 +161,14 @@ void SimulatedChip::log_frame(LoggedFrame frame) {
 
 void SimulatedChip::switch_on(Instant at) {
     if (!silicon_ || state_ != ChipState::off) return;
-    state_ = ChipState::listening;
     // Options that change the clock come into force at power-up.
     clock_ = clock();
+    ++counters_.power_ups;
+    enter_firmware(at);
+}
+
+void SimulatedChip::enter_firmware(Instant at) {
+    state_ = ChipState::listening;
     rate_ = pulse_baud;
     by_trigger_ = false;
     pulses_in_row_ = 0;
@@ -172,7 +177,6 @@ void SimulatedChip::switch_on(Instant at) {
     objected_ = false;
     tested_pair_.reset();
     written_sector_.reset();
-    ++counters_.power_ups;
     // A blank chip has no program that it could start.
     const bool waits_for_ever = config_.listen_window.count() == 0 || flash_.blank();
     listens_until_ = waits_for_ever ? never : at + config_.listen_window;
@@ -198,6 +202,7 @@ void SimulatedChip::run_power_events(Instant now) {
 void SimulatedChip::start_user_program(Instant at) {
     state_ = ChipState::running;
     rate_ = 0;
+    heard_in_program_.clear();
     listens_until_ = never;
     ++counters_.starts;
     const AfterStart& after = config_.after_start;
@@ -230,7 +235,11 @@ std::vector<WireByte> SimulatedChip::take_output() {
 
 void SimulatedChip::hear(Instant at, std::uint8_t value, double sent_baud) {
     run_power_events(at);
-    if (state_ == ChipState::off || state_ == ChipState::running) return;
+    if (state_ == ChipState::off) return;
+    if (state_ == ChipState::running) {
+        hear_in_program(at, value, sent_baud);
+        return;
+    }
     if (at <= busy_until_) {
         // The sync pulses run on until their sender has seen the answer.
         if (value == pulse_byte || objected_) return;
@@ -252,6 +261,21 @@ void SimulatedChip::hear(Instant at, std::uint8_t value, double sent_baud) {
     objected_ = true;
     receiver_.reset();
     pulses_in_row_ = 0;
+}
+
+// The program compares the last bytes that came at its rate.
+void SimulatedChip::hear_in_program(Instant at, std::uint8_t value, double sent_baud) {
+    if (config_.user_code.empty()) return;
+    if (!near_to(sent_baud, config_.user_code_baud)) {
+        heard_in_program_.clear();
+        return;
+    }
+    heard_in_program_.push_back(value);
+    if (heard_in_program_.size() > config_.user_code.size())
+        heard_in_program_.erase(heard_in_program_.begin());
+    if (heard_in_program_ != config_.user_code) return;
+    ++counters_.user_codes;
+    enter_firmware(at);
 }
 
 // Before it is connected the firmware knows two rates, and anything else is noise.

@@ -38,7 +38,7 @@ enum class ChipState {
     listening,  // for sync pulses, or the trigger at 115200 baud
     base,       // connected, at the rate of the pulses
     full_rate,  // connected, at the rate that was set
-    running,    // in the user's program: deaf to everything
+    running,    // in the user's program: deaf to everything but a user code
 };
 
 std::string_view name_of(ChipState state);
@@ -61,6 +61,7 @@ struct ChipCounters {
     int retried_blocks = 0;  // of these, those that erase their sector first (command 30)
     int option_writes = 0;   // option writes that were stored
     int starts = 0;          // of the user's program
+    int user_codes = 0;      // that it obeyed
     int chips = 1;           // how many chips have stood here, the present one included
 };
 
@@ -142,7 +143,9 @@ class SimulatedChip {
     void switch_on(Instant at);
     void switch_off();
     void run_power_events(Instant now);
+    void enter_firmware(Instant at);
     void start_user_program(Instant at);
+    void hear_in_program(Instant at, std::uint8_t value, double sent_baud);
 
     void hear_in_sync(Instant at, std::uint8_t value, double sent_baud);
     void hear_pulse(Instant at, std::uint8_t value, double pulse_baud);
@@ -212,6 +215,7 @@ class SimulatedChip {
     std::optional<std::uint16_t> tested_pair_;     // the reload pair last tested
     std::optional<std::uint32_t> written_sector_;  // number, for firmware that erases as it writes
     int busy_answers_ = 0;
+    std::vector<std::uint8_t> heard_in_program_;  // the last bytes, as many as the user code has
 
     std::deque<WireByte> sending_;         // of answers, not yet given out
     std::vector<WireByte> output_;         // given out at the next take_output

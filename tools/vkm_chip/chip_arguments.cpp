@@ -157,6 +157,16 @@ const Option options[] = {
      [](ChipArguments& a, std::string_view v) {
          return set_duration(v, 600'000, a.config.listen_window);
      }},
+    {"--user-code", "HEX", "its running program jumps into the boot firmware when it hears this",
+     [](ChipArguments& a, std::string_view v) {
+         const auto code = parse_bytes(v);
+         a.config.user_code = code.value_or(std::vector<std::uint8_t>{});
+         return code.has_value();
+     }},
+    {"--user-code-baud", "BAUD", "rate at which the program listens for it, 115200 if not told",
+     [](ChipArguments& a, std::string_view v) {
+         return set_number(v, 1, 4e6, a.config.user_code_baud);
+     }},
     {"--power-after", "S", "has power only so many seconds after the start",
      [](ChipArguments& a, std::string_view v) { return set_seconds(v, a.power_after); }},
     {"--off", "", "has no power until the command \"on\"",

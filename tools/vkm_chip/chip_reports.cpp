@@ -110,7 +110,8 @@ std::string state_text(const SimulatedChip& chip) {
            " blocks=" + std::to_string(counters.blocks) +
            " retried_blocks=" + std::to_string(counters.retried_blocks) +
            " option_writes=" + std::to_string(counters.option_writes) +
-           " starts=" + std::to_string(counters.starts);
+           " starts=" + std::to_string(counters.starts) +
+           " user_codes=" + std::to_string(counters.user_codes);
 }
 
 }  // namespace vkm::sim
