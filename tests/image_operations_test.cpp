@@ -8,6 +8,7 @@
 #include "image/image_files.h"
 #include "image/readers.h"
 #include "image_world.h"
+#include "increase/auto_increase.h"
 #include "waiting/waiting.h"
 
 namespace vkm {
@@ -274,22 +275,32 @@ TEST(LoadFile, ChoosesTheReaderByNameAndByTheFirstThreeLines) {
 }
 
 TEST(LoadFile, SwitchesTheNumberingOffAndReadsItAnew) {
-    ImageWorld world;
-    static std::vector<std::string> calls;
-    static int checked_at_click;
-    calls.clear();
-    world.frm.increase.Read_Auto_Increase = [](frmMain&) { calls.push_back("read"); };
-    world.frm.increase.cheAuto_Increase_Click = [](frmMain& frm) {
-        calls.push_back("click");
-        checked_at_click = frm.screen.cheAuto_Increase.Value;
-    };
-    world.frm.screen.cheAuto_Increase.Value = 1;
-    world.frm.screen.cheData_Auto_Increase.Value = 1;
-    world.load(world.program(), "/a.hex", hex_file(0, pattern(10)));
-    // Once by the load, once by the page that it draws, then the click.
-    EXPECT_EQ(calls, (std::vector<std::string>{"read", "read", "click"}));
-    EXPECT_EQ(checked_at_click, 0);
-    EXPECT_EQ(world.frm.screen.cheData_Auto_Increase.Value, 0);
+    for (const bool program : {true, false}) {
+        SCOPED_TRACE(program);
+        ImageWorld world;
+        Screen& screen = world.frm.screen;
+        IncreaseState& increase = world.frm.increase;
+        screen.cheAuto_Increase.Value = 1;
+        screen.cheData_Auto_Increase.Value = 1;
+        increase.Auto_Increase.Active = true;
+        increase.Data_Auto_Increase.Active = true;
+        for (Control& field : screen.texAuto_Increase) field.Enabled = false;
+        for (Control& format : screen.optAuto_Increase) format.Enabled = false;
+        screen.texAuto_Increase[0].Text = "3f";
+        screen.texData_Auto_Increase[2].Text = "17";
+        world.load(program ? world.program() : world.data(), "/a.hex", hex_file(0, pattern(10)));
+        EXPECT_EQ(screen.cheAuto_Increase.Value, 0);
+        EXPECT_EQ(screen.cheData_Auto_Increase.Value, 0);
+        EXPECT_FALSE(increase.Auto_Increase.Active);
+        EXPECT_FALSE(increase.Data_Auto_Increase.Active);
+        for (const Control& field : screen.texAuto_Increase) EXPECT_TRUE(field.Enabled);
+        for (const Control& format : screen.optAuto_Increase) EXPECT_TRUE(format.Enabled);
+        EXPECT_EQ(screen.texAuto_Increase[0].Text, "3F");
+        EXPECT_EQ(increase.Auto_Increase.Address, 0x3F);
+        EXPECT_EQ(increase.Data_Auto_Increase.Next_Value, "17");
+        // A number that was enabled before the load widens no image.
+        EXPECT_EQ((program ? world.program() : world.data()).Image_High, 9);
+    }
 }
 
 TEST(LoadFile, ClearsTheHighlightsOfBothViews) {
@@ -806,8 +817,9 @@ TEST(View, TakesInAnActiveNumberAndOneByteBelowIt) {
     ImageWorld world;
     world.load(world.program(), "/a.bin", pattern(16));
     Auto_Increase_Set& set = world.frm.increase.Auto_Increase;
-    set.Address = 0x3FF;
-    set.Length = 4;
+    world.frm.screen.texAuto_Increase[0].Text = "3FF";
+    world.frm.screen.texAuto_Increase[1].Text = "4";
+    Read_Auto_Increase(world.frm);
     Refresh_Buffer_View(world.frm, world.program(), set);
     EXPECT_EQ(world.program().Image_High, 15);
     set.Active = true;
@@ -827,7 +839,8 @@ TEST(View, OfAnActiveNumberAtAddress0StaysInsideTheImage) {
     set.Active = true;
     set.Address = 3;
     set.Length = 4;
-    Refresh_Buffer_View(world.frm, world.program(), set);  // begins at -1
+    Refresh_Buffer_View(world.frm, world.program(), set);  // a byte below the number is none
+    EXPECT_EQ(world.program().Image_Low, 0);
     EXPECT_TRUE(world.frm.screen.txtBuffer.Text.starts_with("\r\n\r\n 000000   01 08"));
 }
 
@@ -837,8 +850,11 @@ TEST(View, TakesTheKeyboardWhenItsPageIsShown) {
     world.frm.screen.frmDataFlash.Visible = false;
     vscFile_Change(world.frm, 1);
     EXPECT_EQ(world.frm.screen.Focus_Request, "");
+    world.frm.screen.frmDataFlash.Visible = true;
+    vscFile_Change(world.frm, 1);
+    EXPECT_EQ(world.frm.screen.Focus_Request, "tetDataFlash2");
     vscFile_Change(world.frm, 0);
-    EXPECT_EQ(world.frm.screen.Focus_Request, "txtBuffer");
+    EXPECT_EQ(world.frm.screen.Focus_Request, "txtBuffer2");
 }
 
 }  // namespace

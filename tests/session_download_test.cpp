@@ -255,25 +255,30 @@ TEST(Download, ProgramsNothingWhenTheReloadedFileIsRefused) {
     EXPECT_EQ(bench.verdict(), "");
 }
 
-TEST(Download, PatchesNumbersThatWereTouchedAndAdvancesThemAfterAGoodChip) {
-    static std::vector<std::string> calls;
-    calls.clear();
+TEST(Download, PatchesANumberThatWasTouchedAndAdvancesItAfterAGoodChip) {
     SessionBench bench;
-    bench.frm.increase.cheAuto_Increase_Click = [](frmMain&) { calls.push_back("program"); };
-    bench.frm.increase.cheData_Auto_Increase_Click = [](frmMain&) { calls.push_back("data"); };
-    bench.frm.increase.Advance_Numbers = [](frmMain& frm) {
-        calls.push_back("advance after " + frm.screen.txtWrite_OK_Count.Text);
-    };
     bench.load(100);
+    auto& fields = bench.frm.screen.texAuto_Increase;
+    fields[0].Text = "3f";
+    fields[1].Text = "2";
+    fields[2].Text = "0041";
+    bench.frm.screen.optAuto_Increase[1].Value = 1;
+    bench.frm.screen.optAuto_Increase[0].Value = 0;
+    bench.frm.screen.cheAuto_Increase.Value = 1;
     comDownload(bench.frm, 0);
-    EXPECT_EQ(calls, (std::vector<std::string>{"program", "data", "advance after 1"}));
+    expect_good_chip(bench);
+    EXPECT_TRUE(bench.flash_holds(std::vector<std::uint8_t>{0x00, 0x41}, 0x3E));
+    EXPECT_EQ(fields[2].Text, "0042");
+    EXPECT_EQ(bench.settings.on_disk.at({"Auto_Increase", "next_value"}), "0042");
+    EXPECT_EQ(bench.frm.images.AP_Buffer.Bytes[0x3F], 0x42);
 
-    calls.clear();
-    bench.frm.increase.Auto_Increase.Active = true;
+    // A chip that doesn't become good takes no number.
     bench.chip.power_cycle(bench.loop.now(), Milliseconds(10));
     bench.click_stop_in(1200);
     comDownload(bench.frm, 0);
-    EXPECT_EQ(calls, (std::vector<std::string>{"data"}));
+    EXPECT_EQ(fields[2].Text, "0042");
+    EXPECT_EQ(bench.settings.on_disk.at({"Auto_Increase", "next_value"}), "0042");
+    EXPECT_EQ(bench.count(), "1");
 }
 
 TEST(Download, ClosesTheAssistantFirstAndOpensItAfterAGoodChipAlone) {
@@ -1158,19 +1163,18 @@ TEST(Finish, TheLengthBeginsWithTheProgramming) {
 }
 
 TEST(Counter, IsStoredBeforeAnythingElseCanGoWrong) {
-    static SessionBench* running;
-    static bool seen;
     SessionBench bench;
-    running = &bench;
-    seen = false;
     bench.frm.screen.txtWrite_OK_Count.Text = " 41 ";
-    bench.frm.increase.Advance_Numbers = [](frmMain&) {
-        seen = true;
-        EXPECT_TRUE(running->log_has("Have already encrypt"));
-        EXPECT_EQ(running->settings.on_disk.at({"Settings", "Write_OK_Count"}), "42");
-        EXPECT_FALSE(running->port.is_open());
-    };
     bench.load(100);
+    bool seen = false;
+    bench.settings.after_flush = [&] {
+        if (seen) return;
+        seen = true;
+        EXPECT_TRUE(bench.log_has("Have already encrypt"));
+        EXPECT_EQ(bench.settings.on_disk.at({"Settings", "Write_OK_Count"}), "42");
+        EXPECT_FALSE(bench.port.is_open());
+        EXPECT_NE(bench.frm.session.Result, Job_Result::done);  // no verdict yet
+    };
     comDownload(bench.frm, 0);
     EXPECT_TRUE(seen);
     EXPECT_EQ(bench.count(), "42");

@@ -17,9 +17,12 @@ void MemorySettings::save(std::string_view section, std::string_view key, std::s
 
 void MemorySettings::flush() {
     ++flushes;
-    if (values == on_disk) return;
-    on_disk = values;
-    ++disk_writes;
+    if (before_flush) before_flush();
+    if (values != on_disk) {
+        on_disk = values;
+        ++disk_writes;
+    }
+    if (after_flush) after_flush();
 }
 
 void MemorySettings::preset(const std::string& section, const std::string& key,

@@ -1,6 +1,7 @@
 // A settings store in memory that knows what a crash would leave.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -27,6 +28,11 @@ class MemorySettings final : public SettingsStore {
     void crash() { values = on_disk; }
     // One "[section] key=value" a line, in order.
     std::string dump() const;
+
+    // Run at each flush(), before anything is on the disk and when all of it is. One
+    // that throws is a crash there.
+    std::function<void()> before_flush;
+    std::function<void()> after_flush;
 
     Values values;
     Values on_disk;
