@@ -17,6 +17,7 @@ import sys
 import time
 
 import option_scenarios
+import production_scenarios
 from bench import BUILD, Failed, expect, expect_equal, hex_file, program, run_scenarios
 from expectations import PROGRAM_OK, STOPPED, expect_at_rest, expect_done
 
@@ -905,6 +906,7 @@ add_paced_models()
 add_bauds()
 add_faults()
 scenarios.update(option_scenarios.scenarios)
+scenarios.update(production_scenarios.scenarios)
 
 if __name__ == "__main__":
     try:
