@@ -59,7 +59,9 @@ void set_property(Screen& screen, Control& control, Property_Kind property,
                   const std::string& value) {
     switch (property) {
         case Property_Kind::Caption:
-            control.Caption = value;
+            // The caption of an image without a file ends in a blank, which the file's
+            // line has lost.
+            if (trimmed(control.Caption) != value) control.Caption = value;
             return;
         case Property_Kind::Text:
             control.Text = value;
