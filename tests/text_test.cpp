@@ -52,6 +52,15 @@ TEST(LeadingNumber, IsAlwaysFinite) {
     EXPECT_TRUE(std::isfinite(leading_number(huge)));
 }
 
+TEST(LeadingNumber, BeyondADoubleIsTheGreatestAndBelowOneIsZero) {
+    constexpr double greatest = std::numeric_limits<double>::max();
+    EXPECT_EQ(leading_number(std::string(400, '9') + "x"), greatest);
+    EXPECT_EQ(leading_number("-" + std::string(400, '9')), -greatest);
+    EXPECT_EQ(leading_number("0." + std::string(400, '0') + "1"), 0);
+    EXPECT_EQ(leading_number("-." + std::string(400, '0') + "1"), 0);
+    EXPECT_EQ(leading_number(std::string(400, '0') + "7"), 7);
+}
+
 TEST(LeadingInteger, StaysWithin32Bits) {
     EXPECT_EQ(leading_integer("99999999999"), std::numeric_limits<std::int32_t>::max());
     EXPECT_EQ(leading_integer("-99999999999"), std::numeric_limits<std::int32_t>::min());

@@ -21,6 +21,15 @@ bool is_digit(char c) {
     return c >= '0' && c <= '9';
 }
 
+// What a double can't hold: a number too great for it is the greatest that there is,
+// and one too near to 0 is 0.
+double held(std::string_view number) {
+    const std::string_view whole = number.substr(0, number.find('.'));
+    if (whole.find_first_of("123456789") == std::string_view::npos) return 0;
+    const double greatest = std::numeric_limits<double>::max();
+    return number.front() == '-' ? -greatest : greatest;
+}
+
 }  // namespace
 
 double leading_number(std::string_view text) {
@@ -33,7 +42,8 @@ double leading_number(std::string_view text) {
     double value = 0;
     const auto read =
         std::from_chars(text.data(), text.data() + length, value, std::chars_format::fixed);
-    return read.ec == std::errc() && std::isfinite(value) ? value : 0;
+    if (read.ec == std::errc::result_out_of_range) return held(text.substr(0, length));
+    return read.ec == std::errc() ? value : 0;
 }
 
 std::int32_t leading_integer(std::string_view text) {
