@@ -36,13 +36,14 @@ void enable_click(frmMain& frm, Auto_Increase_Set& set) {
     Show_Auto_Increase(frm, set);
 }
 
-void advance(frmMain& frm, Auto_Increase_Set& set) {
-    if (!set.Active || !counts_up(set)) return;
+// True when the set has moved on.
+bool advance(frmMain& frm, Auto_Increase_Set& set) {
+    if (!set.Active || !counts_up(set)) return false;
     Advance_Auto_Increase(frm, set);
     Patch_Auto_Increase(frm, set);
     Redraw_Page(frm, place_of(frm, set).buffer);
-    Save_Auto_Increase_Settings(frm);
     set.Active = true;
+    return true;
 }
 
 }  // namespace
@@ -64,9 +65,12 @@ void Show_Auto_Increase(frmMain& frm, Auto_Increase_Set& set) {
     vscFile_Change(frm, is_program_image(view.buffer) ? 0 : 1);
 }
 
+// Both have moved on before either is saved: a save takes the fields of both, and would
+// give the number of this chip's data to the next one if the tool died behind it.
 void Advance_Numbers(frmMain& frm) {
-    advance(frm, frm.increase.Auto_Increase);
-    advance(frm, frm.increase.Data_Auto_Increase);
+    const bool program = advance(frm, frm.increase.Auto_Increase);
+    const bool data = advance(frm, frm.increase.Data_Auto_Increase);
+    if (program || data) Save_Auto_Increase_Settings(frm);
 }
 
 }  // namespace vkm
