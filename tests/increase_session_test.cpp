@@ -314,6 +314,29 @@ TEST(NumberingActive, EndsWithTheBoxAndWithEveryFile) {
     }
 }
 
+TEST(NumberingBox, KeepsTellingWhatARunningSeriesDoes) {
+    NumberBench bench({.model = "VKM26H5404"});
+    bench.load(0x300);
+    bench.type(true, "1FF", "2", "0007");
+    bench.tick(true);
+    for (int ms = 50; ms < 4000; ms += 150)
+        bench.at(ms, [&] {
+            if (!bench.frm.session.Running) return;
+            bench.tick(true, false);
+            EXPECT_EQ(bench.box(true).Value, 1);
+            bench.tick(false, true);
+            EXPECT_EQ(bench.box(false).Value, 0);
+            for (const Control& field : bench.fields(true)) EXPECT_FALSE(field.Enabled);
+        });
+    bench.watch_chips(3, 0x1FE, 2);
+    comDownload(bench.frm, 1);
+    EXPECT_EQ(bench.numbers, (std::vector<Bytes>{{0, 7}, {0, 8}, {0, 9}}));
+    EXPECT_FALSE(bench.set(false).Active);
+    bench.tick(true, false);
+    EXPECT_EQ(bench.box(true).Value, 0);
+    EXPECT_FALSE(bench.set(true).Active);
+}
+
 TEST(NumberingAtStart, ShowsTheSettingsAndIsOff) {
     VirtualBench bench({}, [](VirtualBench& made) {
         made.settings.preset("Auto_Increase", "next_value", "00077");

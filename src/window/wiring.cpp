@@ -52,6 +52,14 @@ void run_between_jobs(frmMain& frm, Event) {
     if (lease.granted()) operation(frm);
 }
 
+// The same for a check box, which goes on telling what the running job does.
+template <void (*operation)(frmMain&)>
+void switch_between_jobs(frmMain& frm, Event event) {
+    const Session_Lease lease(frm);
+    if (lease.granted()) return operation(frm);
+    event.Source->Value = event.Source->Value == 0 ? 1 : 0;
+}
+
 // What shows a box: no job begins behind it.
 template <void (*operation)(frmMain&)>
 void run_and_hold_jobs(frmMain& frm, Event) {
@@ -122,10 +130,10 @@ constexpr Wire wire_table[] = {
     {"tetDataFlash2",            MouseUp,  Snap_Clicked},
     {"tetDataFlash2",            Resize,   Buffer_Resized<1>},
     // Numbering
-    {"cheAuto_Increase",         Click,   run_between_jobs<cheAuto_Increase>},
+    {"cheAuto_Increase",         Click,   switch_between_jobs<cheAuto_Increase>},
     {"texAuto_Increase",         Change,  run<Program_Number_Touched>},
     {"optAuto_Increase",         Click,   run<Program_Number_Touched>},
-    {"cheData_Auto_Increase",    Click,   run_between_jobs<cheData_Auto_Increase>},
+    {"cheData_Auto_Increase",    Click,   switch_between_jobs<cheData_Auto_Increase>},
     {"texData_Auto_Increase",    Change,  run<Data_Number_Touched>},
     {"optData_Auto_Increase",    Click,   run<Data_Number_Touched>},
     // Projects
