@@ -211,6 +211,23 @@ TEST(FileWatch, BeginsAnewWithAnotherFile) {
     EXPECT_EQ(bench.program(), Bytes(50, 0x44));
 }
 
+TEST(FileWatch, BeginsAnewWithTheSameFileBehindAProject) {
+    QuietBench bench;
+    bench.open(small_project("VKM47H58RK+", "", Bytes{1}));
+    bench.change(second_version);
+    bench.run_for(3000);
+    bench.click(bench.frm.screen.comUnlockOptions);
+    bench.open_file(path);
+    ASSERT_EQ(bench.program(), second_version);
+    bench.forget_loads();
+    bench.run_for(5000);
+    EXPECT_EQ(bench.loads(), 0u);
+    EXPECT_FALSE(bench.downloads());
+    bench.change(first_version);
+    bench.run_and_stop(4000);
+    EXPECT_EQ(bench.loads(), 1u);
+}
+
 TEST(FileWatch, WatchesTheProgramFileAlsoBehindADataFile) {
     QuietBench bench;
     bench.files.add("/work/d.bin", Bytes(40, 0x66));

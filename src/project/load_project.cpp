@@ -136,6 +136,8 @@ void Load_Project(frmMain& frm) {
     Reset_Buffer(frm, 0, frm.images.Data_Buffer);
     // What is in the images is no longer a file that could be read again.
     frm.images.Program_File.clear();
+    // Opened again later it is a new file, however much it has changed meanwhile.
+    frm.session.Watched_File.clear();
     Set_Project_Items(frm, rows);
     // The numbers are patched by the next download.
     frm.increase.Auto_Increase.Active = false;
