@@ -264,13 +264,19 @@ TEST(NextValueBox, IsNotShownForADamagedProject) {
 TEST(NumberingOfAProject, IsActiveNoMoreWhenAnotherProjectIsLoaded) {
     ProjectBench bench("VKM26H5404");
     bench.load_bytes(Bytes(100, 1));
+    bench.load_data(Bytes(100, 1));
     Screen& s = bench.frm.screen;
     s.texAuto_Increase[0].Text = "10";
-    s.cheAuto_Increase.Value = 1;
-    bench.click(s.cheAuto_Increase);
+    s.texData_Auto_Increase[0].Text = "10";
+    for (Control* enable : {&s.cheAuto_Increase, &s.cheData_Auto_Increase}) {
+        enable->Value = 1;
+        bench.click(*enable);
+    }
     ASSERT_TRUE(bench.frm.increase.Auto_Increase.Active);
-    bench.open(numbered_project(true, false));
+    ASSERT_TRUE(bench.frm.increase.Data_Auto_Increase.Active);
+    bench.open(numbered_project(true, true));
     EXPECT_FALSE(bench.frm.increase.Auto_Increase.Active);
+    EXPECT_FALSE(bench.frm.increase.Data_Auto_Increase.Active);
 }
 
 // ---- the lock -------------------------------------------------------------------
