@@ -24,9 +24,13 @@ class MemoryReader final : public FileReader {
         if (at_ >= end) return 0;
         const auto count =
             static_cast<std::size_t>(std::min<std::uint64_t>(room.size(), end - at_));
-        for (std::size_t i = 0; i < count; ++i, ++at_)
-            room[i] =
-                at_ < file.bytes.size() ? file.bytes[static_cast<std::size_t>(at_)] : file.rest;
+        const std::uint64_t held = file.bytes.size();
+        const auto copied =
+            static_cast<std::size_t>(at_ < held ? std::min<std::uint64_t>(count, held - at_) : 0);
+        std::copy_n(file.bytes.begin() + static_cast<std::ptrdiff_t>(std::min(at_, held)), copied,
+                    room.begin());
+        std::fill_n(room.begin() + static_cast<std::ptrdiff_t>(copied), count - copied, file.rest);
+        at_ += count;
         file.bytes_read += count;
         return count;
     }
