@@ -2,6 +2,7 @@
 // gets as far as a chip.
 #include "project_bench.h"
 
+#include "catalogue/model_table.h"
 #include "options/mcu_options.h"
 #include "options/option_panel.h"
 #include "options/option_schema.h"
@@ -131,6 +132,25 @@ TEST_P(ThereAndBack, APanelFieldsAndImagesAreTheSame) {
 }
 
 INSTANTIATE_TEST_SUITE_P(OfAllFamilies, ThereAndBack, ::testing::ValuesIn(family_models));
+
+TEST(LoadedProject, ChoosesTheModelWhateverItsName) {
+    ProjectBench bench;
+    int models = 0;
+    for (const ModelGroup& group : MCU_AP_ISP_range)
+        for (const ModelRow& row : group.rows) {
+            SCOPED_TRACE(row.MCU_Name);
+            ProjectBench saver(row.MCU_Name);
+            saver.load_bytes(Bytes{1});
+            bench.open(saver.save());
+            EXPECT_EQ(bench.frm.screen.txtDevice.Text, row.MCU_Name);
+            EXPECT_EQ(bench.frm.catalogue.MCU_Info.MCU_Name, row.MCU_Name);
+            EXPECT_EQ(bench.frm.catalogue.MCU_Info.MCU_ID, saver.frm.catalogue.MCU_Info.MCU_ID);
+            EXPECT_EQ(bench.frm.catalogue.Block_Size, group.MCU_Family == 0 ? 128 : 512);
+            ++models;
+        }
+    EXPECT_EQ(models, 154);
+    EXPECT_TRUE(bench.take_texts().empty());
+}
 
 TEST(LoadedProject, HoldsAsMuchAsTheImagesDo) {
     ProjectBench saver("VKM27J060");
