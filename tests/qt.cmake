@@ -11,6 +11,6 @@ endfunction()
 
 vkm_qt_test(qt_port_test
   SOURCES qt_contract_test.cpp qt_serial_port_test.cpp qt_pseudo_terminal.cpp)
-vkm_qt_test(qt_screen_test SOURCES qt_screen_test.cpp qt_text_mapping_test.cpp)
+vkm_qt_test(qt_screen_test SOURCES qt_screen_test.cpp qt_buffer_page_test.cpp qt_text_mapping_test.cpp)
 vkm_qt_test(qt_option_panel_test SOURCES qt_option_panel_test.cpp)
 vkm_qt_test(qt_loop_test SOURCES qt_loop_test.cpp)

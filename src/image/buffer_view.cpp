@@ -110,6 +110,21 @@ void Redraw_Page(frmMain& frm, const Image_Buffer& buffer) {
     copy_to_operator(view);
 }
 
+void Fit_Page(frmMain& frm, const Image_Buffer& buffer) {
+    const BufferView view = view_of_buffer(frm, buffer);
+    const std::string length = frm.screen.txt_length.Text;
+    const std::int32_t start = view.shown.SelStart;
+    const std::int32_t chosen = view.shown.SelLength;
+    const bool operators = start != view.page.SelStart || chosen != view.page.SelLength;
+    Redraw_Page(frm, buffer);
+    frm.screen.txt_length.Text = length;
+    Enable_Save_File(frm);
+    if (!operators) return;
+    const auto end = static_cast<std::int32_t>(view.shown.Text.size());
+    view.shown.SelStart = std::min(start, end);
+    view.shown.SelLength = std::min(chosen, end - view.shown.SelStart);
+}
+
 // No turn of the event loop in here: a page takes some microseconds, and text
 // and selection stay together.
 void Draw_Page(frmMain& frm, const BufferView& view, std::int64_t first, std::int64_t last) {

@@ -33,4 +33,8 @@ void Draw_Page(frmMain& frm, const BufferView& view, std::int64_t first, std::in
 // The page at the scroll bar's value, drawn anew. The keyboard stays where it is.
 void Redraw_Page(frmMain& frm, const Image_Buffer& buffer);
 
+// The page at the height that its box has now. The operator's digit stays selected
+// and the length for saving as it was typed.
+void Fit_Page(frmMain& frm, const Image_Buffer& buffer);
+
 }  // namespace vkm

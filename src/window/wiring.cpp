@@ -87,7 +87,7 @@ void Buffer_Key_Press(frmMain& frm, Event event) {
 
 template <int element>
 void Buffer_Resized(frmMain& frm, Event) {
-    Redraw_Page(frm, element == 0 ? frm.images.AP_Buffer : frm.images.Data_Buffer);
+    Fit_Page(frm, element == 0 ? frm.images.AP_Buffer : frm.images.Data_Buffer);
 }
 
 void Snap_Clicked(frmMain&, Event event) {

@@ -170,8 +170,13 @@ void type(const QPointer<QWidget>& widget, const QString& text) {
     }
 }
 
+void must_be_in_the_open(QWidget* widget) {
+    must_be_operable(widget);
+    if (!meets(widget, widget->rect().center())) throw Refusal{hidden};
+}
+
 void must_take_keys(const Drawn& control) {
-    must_be_operable(control.widget);
+    must_be_in_the_open(control.widget);
     if (control.widget->focusPolicy() == Qt::NoFocus) throw Refusal{disabled};
 }
 
@@ -339,7 +344,7 @@ Act key(const Drawn& control, const QString& name) {
 }
 
 Act caret(const Drawn& control, int at) {
-    must_be_operable(control.widget);
+    must_be_in_the_open(control.widget);
     auto* line = qobject_cast<QLineEdit*>(control.widget);
     auto* box = qobject_cast<QPlainTextEdit*>(control.widget);
     if (!line && !box) throw Refusal{control.widget->objectName() + " is no text box"};

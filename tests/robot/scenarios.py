@@ -885,15 +885,26 @@ def _(bench):
     robot.error("wait", on="cheClearAP_Buffer", property="Value", ms=20, not_equals=1)
     robot.check("cheClearAP_Buffer", False)
     expect(robot.get("cheClearAP_Buffer", "Value") is False, "unchecked")
-    robot.do("caret", on="txtBuffer", at=100)
-    expect_equal(robot.get("txtBuffer", "SelStart"), 100, "caret of the page")
+    # A click on the page chooses the digit at the caret, or the next one.
+    robot.do("caret", on="txtBuffer2", at=100)
+    expect_equal(robot.get("txtBuffer2", "SelStart"), 101, "digit of the page")
+    expect_equal(robot.get("txtBuffer2", "SelLength"), 1, "one digit")
+    for command, fields in (("caret", {"at": 100}), ("keys", {"text": "A"}), ("key", {"key": "Up"}), ("click", {})):
+        expect_equal(robot.error(command, on="txtBuffer", **fields), "hidden", f"{command} on what is covered")
+    expect_equal(robot.get("txtBuffer"), robot.get("txtBuffer2"), "the covered text")
     expect_equal(robot.error("caret", on="txtAP_FileStart", at=9), "no position 9", "beyond")
     # What lies out of sight is scrolled to.
     robot.do("size", width=800, height=600)
     robot.load_bytes(bench.folder, program(5000))
-    for at in (60, 60 * 50, 60 * 50 + 57, 2):
-        robot.do("caret", on="txtBuffer", at=at)
-        expect_equal(robot.get("txtBuffer", "SelStart"), at, "caret of the page")
+    rows = (len(robot.get("txtBuffer2")) - 4) // 60
+    expect(rows >= 4, "a page on a small screen")
+    last_row = 4 + 60 * (rows - 1)
+    for at in (4 + 10, last_row + 10, last_row + 10 + 15 * 3 + 1, 60 + 14):
+        robot.do("caret", on="txtBuffer2", at=at)
+        expect_equal(robot.get("txtBuffer2", "SelStart"), at, "digit of the page")
+    robot.do("key", on="txtBuffer2", key="PageDown")
+    robot.wait("vscFile(0)", "Value", equals=rows)
+    expect(robot.get("txtBuffer2").startswith(f"\r\n\r\n {rows * 16:06X}   "), "the next page")
     robot.choose("TabStrip1", key="user_code")
     robot.enter("txtUserCode", "0123456789ABCDEF" * 20)
     for at in (0, 300, 10, 160, 320):

@@ -9,6 +9,14 @@ namespace vkm {
 namespace {
 
 // clang-format off
+// The same for the two images.
+constexpr const char* edit_hint = "点击, 当一个字符高亮时可以修改缓冲区 / Click; the buffer can be changed while one character is highlighted";
+constexpr const char* numbering_hint = "每片一个编号; 打开文件后须重新启用 / A number for each chip; to be enabled again after each new file";
+constexpr const char* number_address_hint = "编号最低字节的地址 (HEX), 编号由此向低地址存放 / Address of the lowest-order byte (HEX); the number extends downward from it";
+constexpr const char* number_length_hint = "编号占用的字节数 / Bytes of the number";
+constexpr const char* next_number_hint = "下一片的编号 (10进制); 0 不递增 / The next chip's number (decimal); 0 is not counted up";
+constexpr const char* increment_hint = "每片成功后加上的数 / Added after each good chip";
+
 constexpr ControlHint hints[] = {
     // Step 1
     {"Command3", -1, 0, "选择型号 / Choose the model"},
@@ -42,6 +50,9 @@ constexpr ControlHint hints[] = {
     {"Label6", -1, 'l', "连续下载时两片之间的秒数 / Seconds between two chips of Re-Download"},
     {"comDalay_ReDownLoad", -1, 0, "连续下载时两片之间的秒数 / Seconds between two chips of Re-Download"},
     {"comMastWindow", -1, 0, "只留左边的步骤栏 / Leaves the column of steps alone"},
+    // Buffers
+    {"txtBuffer2", -1, 0, edit_hint},
+    {"tetDataFlash2", -1, 0, edit_hint},
     // Monitor
     {"comDebugContinue", -1, 0, "让停在断点的程序继续 / Lets a stopped program go on"},
     {"che_disable_Debug_SFR_232", -1, 'b', "停止回发 / The target sends no more registers"},
@@ -58,15 +69,34 @@ constexpr ControlHint hints[] = {
     {"imgOpen", -1, 0, "串口已打开, 点击关闭 / The port is open; click to close it"},
     {"imgNotOpen", -1, 0, "串口已关闭, 点击打开 / The port is closed; click to open it"},
     {"ImgSplitter", -1, 0, "拖动以改变宽度 / Drag to change the widths"},
+    // Projects
+    {"texBatchFileName", -1, 0, "当前工程文件 / The project file"},
+    {"comOpenBatchFile", -1, 0, "打开工程: 型号, 选项和文件一次设好并锁定 / Opens a project: model, options and files at once, then locked"},
+    {"comSaveBatchFile", -1, 0, "将型号, 选项和文件存为一个工程 / Saves model, options and files as one project"},
+    {"comLockOptions", -1, 0, "不能再修改参数, 仍可下载 / Nothing can be changed any more; downloads go on"},
+    {"comUnlockOptions", -1, 0, "可以修改参数; 打开过工程的, 下载结束后再次锁定 / Free to change; once a project was opened, the end of a download locks again"},
+    {"Command1", -1, 0, "怎样使用工程文件 / How to use project files"},
     // Tools
     {"comReadChipLock", -1, 'i', "连接单片机并显示其选项, 不编程 / Connects and shows the options, programs nothing"},
-    {"txtUserCode", -1, 0, "十六进制字节 / Hexadecimal bytes"},
+    {"txtUserCode", -1, 0, "下载前发给用户程序的十六进制字节 / Hexadecimal bytes for the running program, sent before the download"},
+    {"comSendUserCode", -1, 0, "按以上串口设置发送, 然后下载 / Sends the code at these settings, then downloads"},
+    {"cekReloadFileWhileFileChange1", -1, 0, "编译后自动重新打开, 发送命令并下载 / After each build: reads the file again, sends the code, downloads"},
     {"txt_DEMO_UserCode", -1, 0, "十六进制字节 / Hexadecimal bytes"},
     {"Read24C512", -1, '2', "读回脱机下载板的存储器 / Reads the memory of the offline board back"},
     {"com_Demo_DownLoad", -1, 'a', "用户 ISP 程序下载一片 / One chip over the user's own ISP program"},
     {"com_Demo_Re_DownLoad", -1, 'w', "用户 ISP 程序连续下载 / Chip after chip over the user's own ISP program"},
     {"com_Demo_Stop", -1, 't', "停止下载 / Stop"},
     {"comb_WDT", -1, 0, "下载时用来喂外部看门狗的 I/O 口 / The pin that feeds an external watchdog during a download"},
+    {"cheAuto_Increase", -1, 0, numbering_hint},
+    {"texAuto_Increase", 0, 0, number_address_hint},
+    {"texAuto_Increase", 1, 0, number_length_hint},
+    {"texAuto_Increase", 2, 0, next_number_hint},
+    {"texAuto_Increase", 3, 0, increment_hint},
+    {"cheData_Auto_Increase", -1, 0, numbering_hint},
+    {"texData_Auto_Increase", 0, 0, number_address_hint},
+    {"texData_Auto_Increase", 1, 0, number_length_hint},
+    {"texData_Auto_Increase", 2, 0, next_number_hint},
+    {"texData_Auto_Increase", 3, 0, increment_hint},
     {"optAuto_Increase", 2, 'A', "每字节一个 ASCII 数字 / One ASCII digit in each byte"},
     {"optData_Auto_Increase", 2, 'I', "每字节一个 ASCII 数字 / One ASCII digit in each byte"},
     {"comDownSoft_ICE", -1, 'I', "以仿真监控程序取代下载引导码 / Puts the monitor in the place of the boot firmware"},

@@ -82,6 +82,7 @@ void draw_lines(const Control& now, const Control& before, TextView& view) {
 }
 
 void draw_view(const Control& now, const Control& before, TextView& view) {
+    const int sideways = view.horizontalScrollBar()->value();
     if (now.Text != before.Text) draw_lines(now, before, view);
     QTextCursor cursor = view.textCursor();
     cursor.setPosition(widget_position(now.Text, now.SelStart));
@@ -89,6 +90,8 @@ void draw_view(const Control& now, const Control& before, TextView& view) {
                        QTextCursor::KeepAnchor);
     view.setTextCursor(cursor);
     view.ensureCursorVisible();
+    // A page that is scrolled shows the columns that the one before showed.
+    if (now.SelStart == 0 && now.SelLength == 0) view.horizontalScrollBar()->setValue(sideways);
 }
 
 // ---- lists ----------------------------------------------------------------------

@@ -2,6 +2,7 @@
 
 #include <QEvent>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <algorithm>
 
 #include "platform/qt/fonts.h"
@@ -47,6 +48,36 @@ QSize TextView::minimumSizeHint() const {
     const int width = columns_ * fontMetrics().horizontalAdvance(u'0');
     return {width + margins + verticalScrollBar()->sizeHint().width(),
             rows_ * fontMetrics().lineSpacing() + margins};
+}
+
+int TextView::rows_in_sight() const {
+    const double line = blockBoundingRect(document()->firstBlock()).height();
+    const double room = viewport()->height() - document()->documentMargin();
+    return line > 0 ? static_cast<int>(std::max(room, 0.0) / line) : 0;
+}
+
+void TextView::show_selection_always() {
+    selection_always_ = true;
+    copy_selection_colours();
+}
+
+void TextView::resizeEvent(QResizeEvent* event) {
+    QPlainTextEdit::resizeEvent(event);
+    on_resize();
+}
+
+void TextView::changeEvent(QEvent* event) {
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() == QEvent::FontChange) on_resize();
+    if (event->type() == QEvent::PaletteChange && selection_always_) copy_selection_colours();
+}
+
+// Setting a palette is told as a change of it: the second time there is nothing to do.
+void TextView::copy_selection_colours() {
+    QPalette colours = palette();
+    for (const auto role : {QPalette::Highlight, QPalette::HighlightedText})
+        colours.setBrush(QPalette::Inactive, role, colours.brush(QPalette::Active, role));
+    if (colours != palette()) setPalette(colours);
 }
 
 Readout::Readout(int columns) : columns_(columns) {

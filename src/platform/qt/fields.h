@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QList>
 #include <QPlainTextEdit>
+#include <functional>
 
 namespace vkm {
 
@@ -30,10 +31,25 @@ class TextView final : public QPlainTextEdit {
     QSize sizeHint() const override { return minimumSizeHint(); }
     QSize minimumSizeHint() const override;
 
+    // Whole lines that there is room for, and what is called when that may have
+    // changed.
+    int rows_in_sight() const;
+    std::function<void()> on_resize = [] {};
+
+    // What is selected looks the same without the keyboard as with it.
+    void show_selection_always();
+
     // Does what the key does in a text box.
     void act_on(QKeyEvent& key) { keyPressEvent(&key); }
 
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
   private:
+    void copy_selection_colours();
+
+    bool selection_always_ = false;
     int rows_ = 4;
     int columns_ = 20;
 };

@@ -86,7 +86,7 @@ void MainWindowView::lay_out() {
     left_ = new FittingArea(make_left_column(view_, screen), fewest_lines_of_steps);
     left_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
     auto* strips = new Strips;
-    strips->addWidget(make_view_strip(view_, screen, queue_));
+    strips->addWidget(make_view_strip(view_, screen, queue_, lock_ = new LockMark));
     strips->addWidget(make_tool_strip(view_, screen));
     right_ = strips;
     status_ = new StatusLine(view_(screen.comMastWindow));
@@ -107,6 +107,8 @@ void MainWindowView::lay_out() {
 void MainWindowView::draw() {
     view_.draw();
     status_->draw(frm_, port_, ports_);
+    lock_->set_locked(frm_.session.UI_State == ui_locked ||
+                      frm_.session.UI_State == ui_busy_locked);
     if (std::exchange(drawn_ports_, ports_.version()) != ports_.version()) draw_port_lists();
     if (!(frm_.screen.window == drawn_)) draw_window();
     if (frm_.screen.MousePointer != drawn_pointer_) draw_pointer();

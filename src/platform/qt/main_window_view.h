@@ -11,6 +11,7 @@
 
 namespace vkm {
 
+class LockMark;
 class StatusLine;
 
 class MainWindowView final : public QMainWindow {
@@ -53,6 +54,7 @@ class MainWindowView final : public QMainWindow {
     QWidget* left_ = nullptr;
     QWidget* right_ = nullptr;
     StatusLine* status_ = nullptr;
+    LockMark* lock_ = nullptr;
     WindowRecord drawn_;  // as last drawn or heard
     std::int32_t drawn_pointer_ = default_pointer;
     Qt::WindowStates filled_;  // how it filled the screen before it was shrunk

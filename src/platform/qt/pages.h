@@ -4,13 +4,14 @@
 
 #include <QWidget>
 
+#include "platform/qt/lock_mark.h"
 #include "platform/qt/screen_view.h"
 
 namespace vkm {
 
 // A tab strip and below it its pages, of which one is shown at a time. Each page
 // goes by the Visible of its frame.
-QWidget* make_view_strip(ScreenView& view, Screen& screen, OperatorQueue& queue);
+QWidget* make_view_strip(ScreenView& view, Screen& screen, OperatorQueue& queue, LockMark* lock);
 QWidget* make_tool_strip(ScreenView& view, Screen& screen);
 
 // The page of the serial assistant: the panel fraDebug, a splitter, and beside

@@ -64,13 +64,18 @@ void ScreenView::make_set(std::initializer_list<Control*> controls) {
 }
 
 void ScreenView::draw() {
-    for (Binding& binding : bindings_)
-        if (binding.widget && !(*binding.record == binding.drawn)) draw(binding);
+    // A page that goes makes room for the one that comes: both at once would squeeze it.
+    for (const bool visible : {false, true})
+        for (Binding& binding : bindings_)
+            if (binding.widget && binding.record->Visible == visible &&
+                !(*binding.record == binding.drawn))
+                draw(binding);
     if (!frm_.screen.Focus_Request.empty()) draw_focus();
 }
 
 void ScreenView::draw(Binding& binding) {
     const Control before = std::exchange(binding.drawn, *binding.record);
+    if (before.Text != binding.drawn.Text) ++binding.texts_drawn;
     if (before.Enabled != binding.drawn.Enabled) keep_focus_of(binding);
     draw_control(binding.drawn, before, *binding.widget);
 }

@@ -85,9 +85,20 @@ void ScreenView::hear_view(Binding& binding) {
     };
     connect(view, &QPlainTextEdit::selectionChanged, this, selection);
     connect(view, &QPlainTextEdit::cursorPositionChanged, this, selection);
+    // The widgets outlive what listens to them.
+    view->on_resize = [self = QPointer<ScreenView>(this), &binding] {
+        if (self) self->hear_rows(binding);
+    };
     view->installEventFilter(this);
     view->viewport()->installEventFilter(this);
     by_widget_[view->viewport()] = &binding;
+}
+
+void ScreenView::hear_rows(Binding& binding) {
+    const int rows = static_cast<TextView*>(binding.widget)->rows_in_sight();
+    if (rows == binding.record->Rows) return;
+    change(binding, [&](Control& control) { control.Rows = rows; });
+    raise(binding, EventKind::Resize);
 }
 
 void ScreenView::hear(Binding& binding) {
@@ -143,20 +154,28 @@ void ScreenView::hear(Binding& binding) {
 }
 
 // A key in a text view is first heard by the logic and then does what it does in
-// any text box, with what the logic changed in between.
+// any text box, unless the logic has answered it with another text: a page that was
+// turned would be left again by the caret.
 bool ScreenView::hear_key(Binding& binding, QEvent& event) {
     auto& key = static_cast<QKeyEvent&>(event);
     if (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
     const int code = key_code(key.key());
     const QString text = key.text();
     if (code == tab_code || (code == 0 && text.isEmpty())) return false;
+    // Counted when it is this key's turn: those before it may turn pages too.
+    const auto texts_before = std::make_shared<int>(0);
+    queue_.push([this, &binding, texts_before](frmMain&) {
+        draw(binding);
+        *texts_before = binding.texts_drawn;
+    });
     if (code != 0) raise(binding, EventKind::KeyDown, code);
     if (!text.isEmpty()) raise(binding, EventKind::KeyPress, 0, from_qt(text));
-    if (binding.record->Kind != ControlKind::LogBox) return false;
-    queue_.push([this, &binding, own = std::shared_ptr<QKeyEvent>(key.clone())](frmMain&) {
-        draw(binding);
-        static_cast<TextView*>(binding.widget)->act_on(*own);
-    });
+    queue_.push(
+        [this, &binding, texts_before, own = std::shared_ptr<QKeyEvent>(key.clone())](frmMain&) {
+            draw(binding);
+            if (binding.texts_drawn == *texts_before)
+                static_cast<TextView*>(binding.widget)->act_on(*own);
+        });
     return true;
 }
 
@@ -186,7 +205,7 @@ bool ScreenView::eventFilter(QObject* watched, QEvent* event) {
             if (kind == ControlKind::ComboBox || kind == ControlKind::TabStrip ||
                 kind == ControlKind::TreeView)
                 return false;
-            hear_click(*bound);
+            if (static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) hear_click(*bound);
             return false;
         case QEvent::KeyPress:
             if (kind == ControlKind::LogBox && watched == bound->widget)

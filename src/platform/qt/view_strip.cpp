@@ -1,9 +1,7 @@
 #include <QCheckBox>
-#include <QCoreApplication>
-#include <QEvent>
-#include <QScrollBar>
 #include <QSplitter>
 
+#include "platform/qt/buffer_page.h"
 #include "platform/qt/fields.h"
 #include "platform/qt/form.h"
 #include "platform/qt/pages.h"
@@ -11,44 +9,9 @@
 namespace vkm {
 namespace {
 
-// A page of the hexadecimal view: "_000000___" and 16 times "00_".
-constexpr int hex_columns = 59;
-constexpr int fewest_rows = 4;
-
 // Columns of the lists of a stopped target.
 constexpr int register_columns = 28;
 constexpr int memory_columns = 56;
-
-// The wheel over a buffer's text moves the bar beside it: the text holds one
-// page of the image.
-class WheelToBar final : public QObject {
-  public:
-    WheelToBar(QWidget* text, QScrollBar* bar) : QObject(text), bar_(bar) {
-        text->installEventFilter(this);
-    }
-
-  protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() != QEvent::Wheel) return false;
-        QCoreApplication::sendEvent(bar_, event);
-        return true;
-    }
-
-  private:
-    QScrollBar* bar_;
-};
-
-QWidget* make_buffer_page(ScreenView& view, Control& frame, Control& text, Control& bar) {
-    QWidget* page = view(frame);
-    TextView* box = view.text_view(text, fewest_rows, hex_columns / 3);
-    box->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    auto* scroll_bar = static_cast<QScrollBar*>(view(bar));
-    new WheelToBar(box->viewport(), scroll_bar);
-    auto* line = row({box, scroll_bar});
-    line->setSpacing(0);
-    column(page)->addLayout(line);
-    return page;
-}
 
 QWidget* make_register_page(ScreenView& view, Screen& s) {
     QWidget* page = view(s.Frame21);
@@ -75,7 +38,7 @@ QWidget* make_memory_page(ScreenView& view, Screen& s) {
     return page;
 }
 
-QWidget* make_project_page(ScreenView& view, Screen& s) {
+QWidget* make_project_page(ScreenView& view, Screen& s, LockMark* lock) {
     QWidget* page = view(s.fra_Batch_quantity);
     Field* path = view.field(s.texBatchFileName, 0);
     path->setReadOnly(true);
@@ -85,7 +48,7 @@ QWidget* make_project_page(ScreenView& view, Screen& s) {
     fields->addRow(caption("工程文件 / Project:"), path);
     lines->addLayout(fields);
     lines->addWidget(flow_widget({view(s.comOpenBatchFile), view(s.comSaveBatchFile)}));
-    lines->addWidget(flow_widget({view(s.comLockOptions), view(s.comUnlockOptions)}));
+    lines->addWidget(flow_widget({view(s.comLockOptions), view(s.comUnlockOptions), lock}));
     lines->addWidget(flow_widget({view(s.Command1)}));
     lines->addStretch();
     return page;
@@ -93,18 +56,20 @@ QWidget* make_project_page(ScreenView& view, Screen& s) {
 
 }  // namespace
 
-QWidget* make_view_strip(ScreenView& view, Screen& s, OperatorQueue& queue) {
+QWidget* make_view_strip(ScreenView& view, Screen& s, OperatorQueue& queue, LockMark* lock) {
     auto* strip = new QWidget;
     auto* lines = new QVBoxLayout(strip);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(0);
     lines->addWidget(view(s.TabStrip2));
-    QWidget* program_page = make_buffer_page(view, s.Frame7, s.txtBuffer, s.vscFile[0]);
+    QWidget* program_page =
+        make_buffer_page(view, s.Frame7, s.txtBuffer, s.txtBuffer2, s.vscFile[0]);
     program_page->layout()->addWidget(view(s.ProgressBar2));
     for (QWidget* page :
-         {program_page, make_buffer_page(view, s.frmDataFlash, s.txtDataFlash1, s.vscFile[1]),
+         {program_page,
+          make_buffer_page(view, s.frmDataFlash, s.txtDataFlash1, s.tetDataFlash2, s.vscFile[1]),
           make_register_page(view, s), make_memory_page(view, s),
-          make_assistant_page(view, s, queue), make_project_page(view, s)})
+          make_assistant_page(view, s, queue), make_project_page(view, s, lock)})
         lines->addWidget(page, 1);
     return strip;
 }
