@@ -23,6 +23,7 @@
 
 #include "platform/qt/control_hints.h"
 #include "qt_drawn_window.h"
+#include "session/download_session.h"
 #include "window/wiring.h"
 
 namespace vkm::test {
@@ -53,6 +54,11 @@ TEST_F(QtScreenTest, EveryHintBelongsToAControl) {
         EXPECT_EQ(marked, hint->mnemonic != 0) << control.Name << " lacks the letter";
     });
     EXPECT_GT(with_hint, 40);
+}
+
+TEST_F(QtScreenTest, BothPagesTellHowTheBufferIsChanged) {
+    for (Control* page : {&screen.txtBuffer2, &screen.tetDataFlash2})
+        EXPECT_TRUE(widget(*page)->toolTip().startsWith("点击, 当一个字符高亮时可以修改缓冲区"));
 }
 
 // ---- from the record to the widget -------------------------------------------------
@@ -354,6 +360,24 @@ TEST_F(QtScreenTest, ANodeThatIsClickedIsTheModel) {
     settle();
     EXPECT_EQ(screen.txtDevice.Text, model->text(0).toStdString());
     EXPECT_TRUE(tree->isHidden());
+}
+
+TEST_F(QtScreenTest, TheProjectPageTellsWhetherTheOptionsAreLocked) {
+    const auto words = [&] {
+        settle();
+        QString all;
+        for (const auto* label : widget(screen.fra_Batch_quantity)->findChildren<QLabel*>())
+            all += label->text() + u'\n';
+        return all;
+    };
+    EXPECT_TRUE(words().contains("可修改"));
+    static_cast<QPushButton*>(widget(screen.comLockOptions))->click();
+    EXPECT_TRUE(words().contains("已锁定"));
+    EXPECT_FALSE(words().contains("可修改"));
+    Set_UI_Busy(tool.frm);
+    EXPECT_TRUE(words().contains("已锁定")) << "a job that runs unlocks nothing";
+    Set_UI_State(tool.frm, ui_idle);
+    EXPECT_TRUE(words().contains("可修改"));
 }
 
 TEST_F(QtScreenTest, AnEventOfAControlThatWasDisabledMeanwhileIsDropped) {
