@@ -337,6 +337,25 @@ TEST(NumberingBox, KeepsTellingWhatARunningSeriesDoes) {
     EXPECT_FALSE(bench.set(true).Active);
 }
 
+TEST(NumberedDownload, InALockedToolLeavesTheFieldsToTheOneWhoUnlocks) {
+    NumberBench bench({.model = "VKM26H5404"});
+    bench.load(0x300);
+    for (const bool set : {true, false})
+        for (Control& field : bench.fields(set)) field.Enabled = false;
+    Set_UI_State(bench.frm, 2);
+    comDownload(bench.frm, 0);  // with both boxes empty
+    EXPECT_EQ(bench.count(), "1");
+    EXPECT_EQ(bench.frm.session.UI_State, 2);
+    for (const bool set : {true, false})
+        for (const Control& field : bench.fields(set)) EXPECT_FALSE(field.Enabled);
+
+    Set_UI_State(bench.frm, 0);
+    bench.chip.power_cycle(bench.loop.now(), Milliseconds(100));
+    comDownload(bench.frm, 0);
+    for (const bool set : {true, false})
+        for (const Control& field : bench.fields(set)) EXPECT_TRUE(field.Enabled);
+}
+
 TEST(NumberingAtStart, ShowsTheSettingsAndIsOff) {
     VirtualBench bench({}, [](VirtualBench& made) {
         made.settings.preset("Auto_Increase", "next_value", "00077");
