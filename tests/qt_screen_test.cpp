@@ -8,6 +8,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QProgressBar>
@@ -15,7 +16,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTabBar>
-#include <QTemporaryDir>
+#include <QTimer>
 #include <QTreeWidget>
 #include <QUrl>
 #include <algorithm>
@@ -653,6 +654,24 @@ TEST_F(QtScreenTest, TheStatusLineTellsThePortAndItsState) {
     tool.port.set_port_number(3);
     EXPECT_GT(tool.port.open(), 0);
     EXPECT_TRUE(text().contains("no device has this number")) << "the reason is not shown";
+}
+
+TEST_F(QtScreenTest, ABoxKeepsItsLinesWhereTheScreenHasRoom) {
+    const std::string line(55, 'x');
+    int height = 0;
+    int width = 0;
+    tool.dialogs.box_shown = [&](QMessageBox& box) {
+        QTimer::singleShot(0, &box, [&] {
+            const auto* label = box.findChild<QLabel*>("qt_msgbox_label");
+            if (label) height = label->height() / label->fontMetrics().lineSpacing();
+            width = box.width();
+            box.button(QMessageBox::Ok)->click();
+        });
+    };
+    tool.dialogs.show_text(line + "\r\n" + line + "\r\n" + line, "");
+    EXPECT_EQ(height, 3);
+    tool.dialogs.show_text(std::string(2000, 'x') + " " + std::string(2000, 'y'), "");
+    EXPECT_LE(width, tool.window.screen()->availableGeometry().width());
 }
 
 TEST_F(QtScreenTest, ClosingAsksTheLogicFirst) {

@@ -2,7 +2,10 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMessageBox>
+#include <QScreen>
+#include <algorithm>
 
 #include "platform/qt/text_mapping.h"
 
@@ -27,6 +30,21 @@ QString qt_patterns(const QString& patterns) {
 QString first_suffix(std::string_view filter) {
     const QString pattern = to_qt(filter).section(u'|', 1, 1).section(u';', 0, 0).trimmed();
     return pattern.startsWith(QLatin1String("*.")) ? pattern.mid(2) : QString();
+}
+
+constexpr int widest_box = 100;  // in digits
+
+// The toolkit breaks lines early; numbers that are to be compared, and the two
+// languages of a sentence, keep their lines as far as the screen has room.
+void keep_lines(QMessageBox& box) {
+    auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    if (!label) return;
+    const QFontMetrics metrics = label->fontMetrics();
+    int width = 0;
+    for (const QString& line : box.text().split(u'\n'))
+        width = std::max(width, metrics.horizontalAdvance(line + u' '));
+    label->setMinimumWidth(std::min({width, metrics.horizontalAdvance(u'0') * widest_box,
+                                     box.screen()->availableGeometry().width() * 2 / 3}));
 }
 
 }  // namespace
@@ -82,6 +100,7 @@ int QtDialogs::show_box(QMessageBox& box, std::string_view text, std::string_vie
     box.setTextFormat(Qt::PlainText);
     box.setText(widget_lines(text));
     box.setWindowTitle(title.empty() ? program_title : to_qt(title).trimmed());
+    keep_lines(box);
     if (box_shown) box_shown(box);
     wait_for(box);
     const QAbstractButton* pressed = box.clickedButton();
