@@ -109,7 +109,9 @@ TEST_F(QtBufferPageTest, TheOperatorsBoxLiesExactlyOverTheOther) {
     const auto expect_covered = [&](Control& below, Control& above) {
         QWidget* lower = widget(below);
         QWidget* upper = widget(above);
-        EXPECT_EQ(lower->parentWidget(), upper->parentWidget());
+        const QObjectList& from_below = upper->parentWidget()->children();
+        EXPECT_TRUE(from_below.contains(lower));
+        EXPECT_LT(from_below.indexOf(lower), from_below.indexOf(upper)) << above.Name;
         EXPECT_EQ(lower->geometry(), upper->geometry()) << above.Name;
         EXPECT_GT(upper->width(), 300);
         const QPoint middle = upper->mapTo(&tool.window, upper->rect().center());

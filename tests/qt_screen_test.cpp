@@ -657,7 +657,8 @@ TEST_F(QtScreenTest, TheStatusLineTellsThePortAndItsState) {
 }
 
 TEST_F(QtScreenTest, ABoxKeepsItsLinesWhereTheScreenHasRoom) {
-    const std::string line(55, 'x');
+    std::string line;
+    for (int i = 0; i < 14; ++i) line += "xxx ";
     int height = 0;
     int width = 0;
     tool.dialogs.box_shown = [&](QMessageBox& box) {

@@ -68,10 +68,10 @@ QWidget* make_buffer_page(ScreenView& view, Control& frame, Control& filled, Con
     new WheelToBar(above->viewport(), scroll_bar);
     auto* grid = new QGridLayout;
     grid->setSpacing(0);
+    // What comes later lies above.
     grid->addWidget(below, 0, 0);
     grid->addWidget(above, 0, 0);
     grid->addWidget(scroll_bar, 0, 1);
-    above->raise();
     column(page)->addLayout(grid);
     return page;
 }
