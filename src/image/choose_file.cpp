@@ -46,16 +46,22 @@ Proposal proposal_from(const Files& files, const std::string& remembered) {
     return {.folder = folder_of(remembered), .name = name_of(remembered)};
 }
 
+bool is_project(const std::string& path) {
+    return upper_case(path).find(project_extension) != std::string::npos;
+}
+
+// A project is no file of an image: it brings the captions of its own along, or is
+// refused and changes none.
 void remember_file(frmMain& frm, const OpenKind& kind, const std::string& path) {
     frm.images.Current_File = path;
-    (frm.screen.*kind.frame).Caption = std::string(kind.caption) + path;
+    if (!is_project(path)) (frm.screen.*kind.frame).Caption = std::string(kind.caption) + path;
     frm.platform.settings.save(settings_section, kind.key, path);
     frm.platform.settings.flush();
 }
 
 void load_chosen(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
     if (path.empty()) return;
-    if (upper_case(path).find(project_extension) == std::string::npos) {
+    if (!is_project(path)) {
         Load_File(frm, path, buffer);
         return;
     }
@@ -80,7 +86,10 @@ std::string Choose_File(frmMain& frm, std::string_view kind) {
 }
 
 void Check_Last_File(frmMain& frm) {
-    const std::string path = frm.platform.settings.get(settings_section, path_key, "");
+    // A file that was chosen and refused is remembered, but isn't the one to be read.
+    const std::string& loaded = frm.images.Program_File;
+    const std::string path =
+        loaded.empty() ? frm.platform.settings.get(settings_section, path_key, "") : loaded;
     if (frm.platform.files.exists(path))
         frm.screen.Frame7.Caption = std::string(image_text::program_caption) + path;
     else

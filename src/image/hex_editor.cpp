@@ -41,6 +41,10 @@ void scroll_below_caret(frmMain& frm, int element, std::int32_t rows) {
     box.SelLength = 0;
 }
 
+bool digit_selected(const Control& box) {
+    return box.SelLength == 1 && stands_on_digit(box.Text, box.SelStart);
+}
+
 bool may_edit(frmMain& frm) {
     if (frm.images.Buffer_Edit_OK) return true;
     if (!frm.platform.dialogs.ask_yes_no(chosen_text(frm.screen, image_text::ask_to_edit)))
@@ -87,8 +91,9 @@ void Buffer_Key_Down(frmMain& frm, int element, int key) {
 void Buffer_Key_Press(frmMain& frm, int element, std::string_view text) {
     if (text.size() != 1 || hex_digit(text.front()) < 0) return;
     Control& box = view_of_element(frm, element).shown;
-    if (box.SelLength == 1 && stands_on_digit(box.Text, box.SelStart)) {
-        if (!may_edit(frm)) return;
+    if (digit_selected(box)) {
+        // Behind the question the page may be another one.
+        if (!may_edit(frm) || !digit_selected(box)) return;
         box.Text.replace(static_cast<std::size_t>(box.SelStart), 1, upper_case(text));
         ++box.SelStart;
         store_byte_before(frm, box);

@@ -47,7 +47,7 @@ std::string hex_page(std::span<const std::uint8_t> bytes, std::int64_t first, st
 std::optional<PagePlace> place_in_page(std::string_view page, std::int64_t first,
                                        std::int64_t address, std::int32_t length) {
     const std::int64_t begin = first - first % bytes_per_row;
-    if (first < 0 || address < begin) return std::nullopt;
+    if (first < 0 || address < begin || length <= 0) return std::nullopt;
     const std::int64_t column = address % bytes_per_row;
     const std::int64_t start = static_cast<std::int64_t>(page_head.size()) +
                                (address - begin) / bytes_per_row * std::int64_t{row_length} +

@@ -34,7 +34,10 @@ void Reset_Buffer(frmMain& frm, std::uint8_t value, Image_Buffer& buffer) {
     buffer.Image_Low = 0;
     buffer.Sum = 0;
     buffer.Has_File = false;
-    if (is_program_image(buffer)) frm.images.File_Loaded = false;
+    if (is_program_image(buffer)) {
+        frm.images.File_Loaded = false;
+        frm.images.Program_Spoilt = false;
+    }
 
     const BufferView view = view_of_buffer(frm, buffer);
     view.bar.Min = 0;

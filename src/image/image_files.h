@@ -3,7 +3,7 @@
 // Owns the records AP_Buffer and Data_Buffer, the load driver through which
 // every load passes, the two readers (readers.h) with their range rules
 // (range_rules.h), and the page of hexadecimal text. Called by the wiring
-// (buttons, dropped files), the download (reload) and later by projects. Always
+// (buttons, dropped files), the download (reload) and by projects. Always
 // holds: the byte arrays are never resized, and no file can store outside them.
 // Trouble with ranges is told in one box; a file that can't be read counts as
 // empty.
@@ -34,14 +34,17 @@ void Reset_Buffer(frmMain& frm, std::uint8_t value, Image_Buffer& buffer);
 // The open dialog; kind "AP" or "DATA". Empty when the operator cancels.
 std::string Choose_File(frmMain& frm, std::string_view kind);
 
-// Tells the operator when the remembered program file has gone.
+// Tells the operator when the program file that was loaded, or else the remembered one,
+// has gone.
 void Check_Last_File(frmMain& frm);
 
 // Start_Add and Clear_First from the screen.
 void Read_Buffer_Options(frmMain& frm, Image_Buffer& buffer);
 
-// The driver of every load. An empty path does nothing.
-void Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer);
+// The driver of every load. An empty path does nothing. True when the file was read to
+// its end: false for an empty path, a start address out of range, and for a load that
+// another one overtook.
+bool Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer);
 
 // Fits the scroll bar to the image and redraws the page.
 void Refresh_Buffer_View(frmMain& frm, Image_Buffer& buffer, Auto_Increase_Set& set);

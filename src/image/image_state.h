@@ -16,6 +16,9 @@ struct ImageState {
     std::string Current_File;  // path that was chosen last, of either kind
     std::string Program_File;  // path loaded last into AP_Buffer, which a reload takes again
 
+    // AP_Buffer holds a program whose sum was wrong: no file of the other image makes
+    // that a job.
+    bool Program_Spoilt = false;
     bool Buffer_Edit_OK = false;  // the operator has agreed to change the program image
 
     // Plugs; a plug that is null is passed over.

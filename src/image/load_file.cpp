@@ -51,8 +51,8 @@ void Read_Buffer_Options(frmMain& frm, Image_Buffer& buffer) {
     buffer.Clear_First = view.clear_first.Value != 0;
 }
 
-void Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
-    if (path.empty()) return;
+bool Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
+    if (path.empty()) return false;
     // A model chosen a moment ago has its ranges computed at Timer3's tick; this
     // load must not work with those of the model before.
     if (frm.timers.Timer3.Enabled) Show_ISP_Range(frm);
@@ -60,18 +60,23 @@ void Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
     Read_Buffer_Options(frm, buffer);
     if (!start_in_range(buffer.Start_Add, frm.catalogue.MCU_Info, is_program_image(buffer))) {
         tell_start_out_of_range(frm, buffer);
-        return;
+        return false;
     }
     ++buffer.Load_Number;
-    if (is_program_image(buffer)) frm.images.Program_File = path;
+    if (is_program_image(buffer)) {
+        frm.images.Program_File = path;
+        frm.images.Program_Spoilt = false;
+    }
     keep_or_clear(frm, buffer);
     clear_highlights(frm.increase);
-    if (!Load_Any_File(frm, path, buffer)) return;
+    frm.images.Buffer_Edit_OK = false;
+    if (!Load_Any_File(frm, path, buffer)) return false;
     // The numbering must be enabled anew for each file.
     Switch_Numbering_Off(frm);
     Read_Auto_Increase(frm);
     Refresh_Buffer_View(frm, buffer, view_of_buffer(frm, buffer).set);
     buffer.Has_File = true;
+    return true;
 }
 
 }  // namespace vkm

@@ -104,7 +104,7 @@ bool take_file(frmMain& frm, const Placement& file, const RangeVerdict& verdict,
     if (!verdict.message.empty())
         frm.platform.dialogs.show_text(verdict.message, image_text::range_box_title);
     if (overtaken(buffer, number)) return false;
-    frm.images.File_Loaded = true;
+    frm.images.File_Loaded = !frm.images.Program_Spoilt;
     return true;
 }
 

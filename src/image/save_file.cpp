@@ -13,7 +13,7 @@ namespace vkm {
 
 void Enable_Save_File(frmMain& frm) {
     Screen& screen = frm.screen;
-    screen.comStoreFile.Enabled = frm.session.UI_State == 0 &&
+    screen.comStoreFile.Enabled = frm.session.UI_State == ui_idle &&
                                   !screen.txt_Start_Address.Text.empty() &&
                                   !screen.txt_length.Text.empty();
 }

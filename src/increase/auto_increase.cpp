@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "catalogue/model_traits.h"
 #include "increase/increase_texts.h"
 #include "increase/number_bytes.h"
 #include "text/hexadecimal.h"

@@ -6,7 +6,7 @@
 // sequences and the step behind a good chip also redraw the hex view, and stand
 // above the images in number_sequence.h. Always holds: nothing is written outside an
 // image; a number that can't be written is told in a box and leaves the image as it
-// was; the settings hold the number of the next chip.
+// was; behind each good chip the settings hold the number of the next one.
 #pragma once
 
 #include <array>

@@ -23,7 +23,7 @@ class FileReader {
 
 // What tells a changed file from an unchanged one.
 struct FileStamp {
-    std::string time;  // of the last change, as fine as the disk keeps it; to compare, not to read
+    std::string time;        // of the last change, in ms where the disk keeps them; only to compare
     std::uint64_t size = 0;  // bytes
     bool operator==(const FileStamp&) const = default;
 };

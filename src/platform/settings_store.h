@@ -18,8 +18,9 @@ class SettingsStore {
     // already stored costs nothing.
     virtual void save(std::string_view section, std::string_view key, std::string_view value) = 0;
 
-    // Writes what was saved to disk, whole or not at all.
-    virtual void flush() = 0;
+    // Writes what was saved to disk, whole or not at all. False when that fails, as on a
+    // full disk; it goes out with a later flush then.
+    virtual bool flush() = 0;
 };
 
 }  // namespace vkm

@@ -1,12 +1,15 @@
 // A project file into the tool.
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "catalogue/mcu_catalogue.h"
 #include "catalogue/model_selection.h"
 #include "catalogue/tab_strips.h"
+#include "image/buffer_view.h"
 #include "image/image_files.h"
+#include "image/image_messages.h"
 #include "increase/auto_increase.h"
 #include "options/option_panel.h"
 #include "project/old_project.h"
@@ -23,10 +26,23 @@
 namespace vkm {
 namespace {
 
-Project_Content read_project(frmMain& frm, const std::string& path) {
+void tell(frmMain& frm, std::string_view text) {
+    frm.platform.dialogs.show_text(text);
+}
+
+// Nothing for a file that can't be opened, which the operator is told, and for a window
+// that closes meanwhile.
+std::optional<Project_Content> read_project(frmMain& frm, const std::string& path) {
     const std::unique_ptr<FileReader> file = frm.platform.files.open(path);
+    if (!file) {
+        tell(frm, chosen_text(frm.screen, image_text::file_gone));
+        return std::nullopt;
+    }
     Project_Reader reader(file.get());
-    while (reader.read_piece()) give_turn(frm);
+    while (reader.read_piece()) {
+        give_turn(frm);
+        if (frm.link.close_pending) return std::nullopt;
+    }
     return reader.content();
 }
 
@@ -44,7 +60,7 @@ std::int16_t family_of(std::string_view model) {
 Project_Rows converted(frmMain& frm, const Project_Rows& rows) {
     if (!is_old_project(rows)) return rows;
     Project_Rows present = present_rows(rows, family_of(value_of(rows, old_model_key)));
-    frm.platform.dialogs.show_text(project_text_of::old_version);
+    tell(frm, project_text_of::old_version);
     return present;
 }
 
@@ -56,12 +72,11 @@ bool choose_model(frmMain& frm, std::string_view model) {
     if (!Apply_Model(frm).empty()) return true;
     frm.catalogue = before;
     device = device_before;
-    frm.platform.dialogs.show_text(std::string(project_text_of::model_not_found) +
-                                   std::string(model));
+    tell(frm, std::string(project_text_of::model_not_found) + std::string(model));
     return false;
 }
 
-void fill(Image_Buffer& buffer, const Image_Line& line) {
+void fill_image(Image_Buffer& buffer, const Image_Line& line) {
     std::ranges::copy(line.bytes(), buffer.Bytes.begin());
 }
 
@@ -73,14 +88,12 @@ void take_range(Image_Buffer& buffer, const Image_Line& line) {
     buffer.Has_File = true;
 }
 
-void tell(frmMain& frm, std::string_view text) {
-    frm.platform.dialogs.show_text(text);
-}
-
 bool take_program(frmMain& frm, const Project_Rows& rows, const Image_Line& line) {
     Image_Buffer& buffer = frm.images.AP_Buffer;
-    fill(buffer, line);
+    fill_image(buffer, line);
     if (!line.is_whole(leading_integer(value_of(rows, project_key::buffer_sum)))) {
+        frm.images.Program_Spoilt = true;
+        Redraw_Page(frm, buffer);
         tell(frm, project_text_of::program_sum_wrong);
         return false;
     }
@@ -97,11 +110,13 @@ bool take_data(frmMain& frm, const Project_Rows& rows, const Project_Content& co
     const bool expected = !value_of(rows, project_key::data_file_sum).empty();
     if (!content.has_data && !expected) return true;
     if (!content.data.ended() || !content.data.is_whole(content.data_sum)) {
+        // Its name and sum must not stand there as if it were loaded.
+        Reset_Buffer(frm, 0, frm.images.Data_Buffer);
         tell(frm, project_text_of::data_sum_wrong);
         return false;
     }
     Image_Buffer& buffer = frm.images.Data_Buffer;
-    fill(buffer, content.data);
+    fill_image(buffer, content.data);
     take_range(buffer, content.data);
     Refresh_Buffer_View(frm, buffer, frm.increase.Data_Auto_Increase);
     return true;
@@ -128,22 +143,24 @@ void remind_of_next_value(frmMain& frm) {
 }  // namespace
 
 void Load_Project(frmMain& frm) {
-    const Project_Content content = read_project(frm, frm.screen.texBatchFileName.Text);
-    const Project_Rows rows = converted(frm, rows_on_screen(frm.platform.code_page, content.rows));
+    const auto content = read_project(frm, frm.screen.texBatchFileName.Text);
+    if (!content) return;
+    const Project_Rows rows = converted(frm, rows_on_screen(frm.platform.code_page, content->rows));
     if (!choose_model(frm, value_of(rows, project_key::model))) return;
     Arrange_Options(frm);
     Reset_Buffer(frm, 0, frm.images.AP_Buffer);
     Reset_Buffer(frm, 0, frm.images.Data_Buffer);
     // What is in the images is no longer a file that could be read again.
     frm.images.Program_File.clear();
+    frm.images.Buffer_Edit_OK = false;
     // Opened again later it is a new file, however much it has changed meanwhile.
     frm.session.Watched_File.clear();
     Set_Project_Items(frm, rows);
     // The numbers are patched by the next download.
     frm.increase.Auto_Increase.Active = false;
     frm.increase.Data_Auto_Increase.Active = false;
-    const bool program_good = take_program(frm, rows, content.program);
-    const bool whole = program_good && take_data(frm, rows, content);
+    const bool program_good = take_program(frm, rows, content->program);
+    const bool whole = program_good && take_data(frm, rows, *content);
     if (whole) remind_of_next_value(frm);
     // The choice of the model freed some controls.
     Set_UI_State(frm, program_good ? std::int16_t{ui_locked} : frm.session.UI_State);

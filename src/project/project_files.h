@@ -5,8 +5,8 @@
 // conversion of older files (old_project.h) and the way of the items to the screen
 // and back (project_items.h). Called by the wiring and, for a project among the
 // program files, by the choice of a file. Always holds: a file is read whole before
-// anything changes; a model that is unknown leaves everything as it was; an image
-// whose sum is wrong can't be downloaded; saving replaces a file as a whole or not
+// anything changes; a model that is unknown leaves the job as it was; an image whose
+// sum is wrong can't be downloaded; saving replaces a file as a whole or not
 // at all.
 #pragma once
 

@@ -42,10 +42,7 @@ bool is_on(std::string_view value) {
 // One of a set is on. That an option is off follows from another one being on.
 void choose_option(Screen& screen, Control& option, bool on) {
     if (!on) return;
-    for (int i = 0; Control* other = find_control(screen, option.Name, i); ++i) {
-        other->Value = 0;
-        if (other->Index < 0) break;
-    }
+    for_each_element(screen, option.Name, [](Control& other) { other.Value = 0; });
     option.Value = 1;
 }
 

@@ -22,10 +22,10 @@ bool is_blank(char c) {
 }  // namespace
 
 void Image_Line::take(std::string_view characters) {
-    for (const char c : characters) take(c);
+    for (const char c : characters) take_character(c);
 }
 
-void Image_Line::take(char character) {
+void Image_Line::take_character(char character) {
     if (is_blank(character)) {
         blank_seen_ = blank_seen_ || high_digit_ >= 0 || !bytes_.empty();
         return;
@@ -67,7 +67,7 @@ bool Project_Reader::read_piece() {
         take(rest.substr(0, line_end), line_end != std::string_view::npos);
         rest.remove_prefix(line_end == std::string_view::npos ? rest.size() : line_end + 1);
     }
-    return true;
+    return part_ != Part::behind_data;
 }
 
 void Project_Reader::take(std::string_view characters, bool line_ends) {

@@ -30,7 +30,7 @@ class Image_Line {
     bool ended() const { return ended_; }
 
   private:
-    void take(char character);
+    void take_character(char character);
 
     std::size_t capacity_;
     std::vector<std::uint8_t> bytes_;
@@ -53,7 +53,8 @@ class Project_Reader {
     // A null file reads as an empty one. The file stays the caller's.
     explicit Project_Reader(FileReader* file);
 
-    // Reads a piece. False at the end of the file: content() is complete then.
+    // Reads a piece. False at the end of the file, or of what counts in it: content() is
+    // complete then.
     bool read_piece();
     const Project_Content& content() const { return content_; }
 

@@ -81,6 +81,14 @@ Control* find_control(Screen& screen, std::string_view name, int index) {
     return found == finders.end() ? nullptr : found->second(screen, index);
 }
 
+void for_each_element(Screen& screen, std::string_view name,
+                      const std::function<void(Control&)>& visit) {
+    for (int index = 0; Control* control = find_control(screen, name, index); ++index) {
+        visit(*control);
+        if (control->Index < 0) return;
+    }
+}
+
 void for_each_control(Screen& screen, const std::function<void(Control&)>& visit) {
 #define CONTROL(name, kind, count, text, state) visit_each(screen.name, visit);
 #include "screen/controls.def"

@@ -54,6 +54,10 @@ struct Screen {
 // at for a control that is none. Null when there is no such control.
 Control* find_control(Screen& screen, std::string_view name, int index = -1);
 
+// The elements of the array of this name, or the one control of it.
+void for_each_element(Screen& screen, std::string_view name,
+                      const std::function<void(Control&)>& visit);
+
 // Every control once, in the order of the table, arrays from element 0 on.
 void for_each_control(Screen& screen, const std::function<void(Control&)>& visit);
 

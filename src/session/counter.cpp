@@ -4,6 +4,8 @@
 
 #include "increase/auto_increase.h"
 #include "session/download_session.h"
+#include "session/session_report.h"
+#include "session/session_texts.h"
 #include "text/numbers.h"
 #include "text/trimming.h"
 
@@ -14,7 +16,7 @@ void store_count(frmMain& frm, std::string count) {
     frm.screen.txtWrite_OK_Count.Text = std::move(count);
     frm.platform.settings.save("Settings", "Write_OK_Count",
                                trimmed(frm.screen.txtWrite_OK_Count.Text));
-    frm.platform.settings.flush();
+    if (!frm.platform.settings.flush()) report(frm, session_text::count_not_saved);
 }
 
 }  // namespace

@@ -48,13 +48,16 @@ bool reload_file(frmMain& frm) {
     Check_Last_File(frm);
     const std::string path = frm.images.Program_File;
     Load_File(frm, path, frm.images.AP_Buffer);
+    keep_keyboard(frm);
     return has_file(frm);
 }
 
 // A number that the operator touched since the last download is checked and patched now.
 void patch_touched_numbers(frmMain& frm) {
     if (!frm.increase.Auto_Increase.Active) cheAuto_Increase(frm);
+    keep_keyboard(frm);
     if (!frm.increase.Data_Auto_Increase.Active) cheData_Auto_Increase(frm);
+    keep_keyboard(frm);
 }
 
 void begin_session(frmMain& frm) {
@@ -223,9 +226,6 @@ void comDownload(frmMain& frm, int Index) {
     close_assistant_port(frm);
     if (!has_file(frm) || !reload_file(frm)) return;
     patch_touched_numbers(frm);
-    // A view that was drawn anew asks for the keyboard. It stays at the button, for
-    // the next chip.
-    frm.screen.Focus_Request = {};
     // The window may have been closed behind a box of the steps before.
     if (frm.link.close_pending) return;
     begin_session(frm);

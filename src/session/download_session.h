@@ -54,6 +54,12 @@ void Set_UI_Busy(frmMain& frm);
 void comLockOptions(frmMain& frm);
 void comUnlockOptions(frmMain& frm);
 
+// A view that was drawn anew asks for the keyboard. In a job it stays at the button,
+// for the next chip.
+inline void keep_keyboard(frmMain& frm) {
+    frm.screen.Focus_Request = {};
+}
+
 // comClear_OK_Count: the counter back to 0, saved at once.
 void comClear_OK_Count(frmMain& frm);
 

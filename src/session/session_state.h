@@ -73,7 +73,7 @@ struct SessionState {
     std::string Watched_Time;
     std::optional<FileStamp> Unsettled;
 
-    // Plugs of later steps; a plug that is null is passed over.
+    // Plugs; a plug that is null is passed over.
     void (*Close_Assistant_Port)(frmMain&) = nullptr;
     void (*Open_Assistant_Port)(frmMain&) = nullptr;
 };

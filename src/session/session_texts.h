@@ -28,6 +28,9 @@ inline constexpr MessageText data_file_not_sent = {
 inline constexpr MessageText data_file_cut = {
     "The data file was not wholly sent.",
     "The data file was not wholly sent. / 数据文件未全部下载。"};
+inline constexpr MessageText count_not_saved = {
+    "The counter and the next number can not be saved!",
+    "The counter and the next number can not be saved! / 计数和下一个值无法保存!"};
 inline constexpr MessageText succeeded = {"Program succeed.", "Program succeed. / 下载成功."};
 inline constexpr std::string_view next_chip = "After a few seconds re-connect will continue.  ";
 inline constexpr std::string_view next_chip_CN = "Chinese:几秒钟后将继续下载下一个 MCU...  ";

@@ -67,14 +67,6 @@ bool enabled_in(const Enabling& enabled, std::int16_t state) {
     }
 }
 
-void enable(Screen& screen, std::string_view name, bool enabled) {
-    int index = 0;
-    while (Control* control = find_control(screen, name, index++)) {
-        control->Enabled = enabled;
-        if (control->Index < 0) return;
-    }
-}
-
 // An idle tool is not all that these need.
 void keep_own_conditions(frmMain& frm) {
     Enable_Save_File(frm);
@@ -87,7 +79,10 @@ void keep_own_conditions(frmMain& frm) {
 
 void Set_UI_State(frmMain& frm, std::int16_t state) {
     frm.session.UI_State = state;
-    for (const Row& row : table) enable(frm.screen, row.control, enabled_in(row.enabled, state));
+    for (const Row& row : table)
+        for_each_element(frm.screen, row.control, [&](Control& control) {
+            control.Enabled = enabled_in(row.enabled, state);
+        });
     Apply_Option_Enable(frm, state);
     keep_own_conditions(frm);
 }

@@ -17,6 +17,7 @@ namespace vkm {
 namespace {
 
 constexpr std::int32_t output_poll_ms = 1;
+constexpr std::int32_t output_margin_ms = 500;
 constexpr std::int32_t jump_ms = 20;  // in which the target reaches its boot firmware
 
 // One character of the text each, so that pairs are counted right whatever was typed.
@@ -52,9 +53,12 @@ bool open_for_user_code(frmMain& frm) {
     return false;
 }
 
-void wait_until_sent(frmMain& frm) {
+// No longer than so many bytes need, and a margin: a driver may never let go of them.
+void wait_until_sent(frmMain& frm, std::size_t bytes) {
     const SerialPort& port = frm.platform.port;
-    while (port.is_open() && port.output_count() > 0) wait_ms(frm, output_poll_ms);
+    const Instant limit =
+        frm.platform.loop.now() + time_on_wire(port, bytes) + Milliseconds(output_margin_ms);
+    while (port.output_count() > 0 && frm.platform.loop.now() < limit) wait_ms(frm, output_poll_ms);
 }
 
 // False when there was nothing to download, or no port to send on.
@@ -68,9 +72,9 @@ bool send_user_code(frmMain& frm) {
     }
     if (!open_for_user_code(frm)) return false;
     const std::vector<std::uint8_t> code = user_code_bytes(frm.screen.txtUserCode.Text);
-    wait_until_sent(frm);
+    wait_until_sent(frm, 0);
     write_signal(frm, code);
-    wait_until_sent(frm);
+    wait_until_sent(frm, code.size());
     wait_ms(frm, jump_ms);
     return true;
 }
@@ -84,8 +88,9 @@ bool download_wanted(const frmMain& frm) {
     return frm.screen.cekReloadFileWhileFileChange.Value != 0;
 }
 
-// True once the watched file is another than at the last look, and rests.
-bool has_changed(frmMain& frm) {
+// Looks at the file and remembers what it saw. True once the file is another than the
+// one that was read, and rests.
+bool notice_change(frmMain& frm) {
     SessionState& session = frm.session;
     const std::string& file = frm.images.Program_File;
     const std::optional<FileStamp> now = frm.platform.files.stamp(file);
@@ -99,7 +104,8 @@ bool has_changed(frmMain& frm) {
         session.Unsettled.reset();
         return false;
     }
-    if (now != session.Unsettled) {
+    // A compiler may still be writing, or hold the file.
+    if (now != session.Unsettled || !frm.platform.files.open(file)) {
         session.Unsettled = now;
         return false;
     }
@@ -108,13 +114,15 @@ bool has_changed(frmMain& frm) {
     return true;
 }
 
+// True when the changed file is in the image now.
 bool reload_changed_file(frmMain& frm) {
     const Session_Lease lease(frm);
-    if (!lease.granted() || !has_changed(frm)) return false;
+    if (!lease.granted() || !notice_change(frm)) return false;
     Check_Last_File(frm);
     const std::string path = frm.images.Program_File;
-    Load_File(frm, path, frm.images.AP_Buffer);
-    return !frm.link.close_pending;
+    const bool loaded = Load_File(frm, path, frm.images.AP_Buffer);
+    keep_keyboard(frm);
+    return loaded && !frm.link.close_pending;
 }
 
 }  // namespace
@@ -146,7 +154,11 @@ void comSendUserCode(frmMain& frm) {
 void Timer12_Tick(frmMain& frm) {
     if (!frm.images.File_Loaded || !(send_code_wanted(frm) || download_wanted(frm))) return;
     if (frm.images.Program_File.empty() || !reload_changed_file(frm)) return;
-    if (send_code_wanted(frm)) comSendUserCode(frm);
+    if (send_code_wanted(frm)) {
+        comSendUserCode(frm);
+        // Stop means both.
+        if (frm.session.Result == Job_Result::stopped) return;
+    }
     if (download_wanted(frm)) comDownload(frm, 0);
 }
 

@@ -15,14 +15,16 @@ void MemorySettings::save(std::string_view section, std::string_view key, std::s
     ++changes;
 }
 
-void MemorySettings::flush() {
+bool MemorySettings::flush() {
     ++flushes;
+    if (disk_full) return false;
     if (before_flush) before_flush();
     if (values != on_disk) {
         on_disk = values;
         ++disk_writes;
     }
     if (after_flush) after_flush();
+    return true;
 }
 
 void MemorySettings::preset(const std::string& section, const std::string& key,

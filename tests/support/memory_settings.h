@@ -18,7 +18,7 @@ class MemorySettings final : public SettingsStore {
     std::string get(std::string_view section, std::string_view key,
                     std::string_view otherwise) const override;
     void save(std::string_view section, std::string_view key, std::string_view value) override;
-    void flush() override;
+    bool flush() override;
 
     // ---- the test's side ------------------------------------------------------
 
@@ -33,6 +33,8 @@ class MemorySettings final : public SettingsStore {
     // that throws is a crash there.
     std::function<void()> before_flush;
     std::function<void()> after_flush;
+
+    bool disk_full = false;  // flush() fails
 
     Values values;
     Values on_disk;

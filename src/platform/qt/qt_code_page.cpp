@@ -8,20 +8,27 @@
 namespace vkm {
 namespace {
 
-// The extension of GBK that has bytes for every character.
+// The extension of GBK that has bytes for every character. A Qt that was built without
+// such codecs has the system's own code page at least.
 constexpr const char* code_page = "GB18030";
+
+template <typename Codec>
+Codec codec() {
+    Codec wanted(code_page);
+    return wanted.isValid() ? std::move(wanted) : Codec(QStringConverter::System);
+}
 
 }  // namespace
 
 std::string QtCodePage::to_screen(std::string_view bytes) const {
-    QStringDecoder decoder(code_page);
+    auto decoder = codec<QStringDecoder>();
     const QString text =
         decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
     return from_qt(text);
 }
 
 std::string QtCodePage::to_file(std::string_view utf8) const {
-    QStringEncoder encoder(code_page);
+    auto encoder = codec<QStringEncoder>();
     const QByteArray bytes = encoder(to_qt(utf8));
     return bytes.toStdString();
 }

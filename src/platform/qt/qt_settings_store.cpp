@@ -22,10 +22,24 @@ std::string text_of(const QVariant& value) {
 }  // namespace
 
 QtSettingsStore::QtSettingsStore(const std::string& ini_file)
-    : store_(ini_file.empty()
-                 ? std::make_unique<QSettings>(organisation, application)
-                 : std::make_unique<QSettings>(to_qt(ini_file), QSettings::IniFormat)) {
-    store_->setFallbacksEnabled(false);
+    : ini_file_(ini_file), store_(open()) {}
+
+std::unique_ptr<QSettings> QtSettingsStore::open() const {
+    auto store = ini_file_.empty()
+                     ? std::make_unique<QSettings>(organisation, application)
+                     : std::make_unique<QSettings>(to_qt(ini_file_), QSettings::IniFormat);
+    store->setFallbacksEnabled(false);
+    return store;
+}
+
+bool QtSettingsStore::flush() {
+    store_->sync();
+    if (store_->status() == QSettings::NoError) return true;
+    // An error sticks to its object, also when the disk has room again. What was saved
+    // belongs to all objects of the file.
+    store_ = open();
+    store_->sync();
+    return store_->status() == QSettings::NoError;
 }
 
 std::string QtSettingsStore::get(std::string_view section, std::string_view key,

@@ -19,12 +19,15 @@ class QtSettingsStore final : public SettingsStore {
     std::string get(std::string_view section, std::string_view key,
                     std::string_view otherwise) const override;
     void save(std::string_view section, std::string_view key, std::string_view value) override;
-    void flush() override { store_->sync(); }
+    bool flush() override;
 
     // Everything stored: section, key, text.
     std::map<std::string, std::map<std::string, std::string>> all() const;
 
   private:
+    std::unique_ptr<QSettings> open() const;
+
+    std::string ini_file_;
     std::unique_ptr<QSettings> store_;
 };
 
