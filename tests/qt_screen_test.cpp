@@ -195,6 +195,24 @@ TEST_F(QtScreenTest, ASetOfOptionsMayStandWithNoneOn) {
     EXPECT_EQ(drawn(screen.optHexSend[1]).Value, 1);
 }
 
+// From light and dark grounds alike: the distance in lightness from the ground, against
+// that of free text.
+TEST_F(QtScreenTest, WhatStandsInALockedFieldIsStillRead) {
+    const auto contrast = [&](QPalette::ColorGroup group) {
+        const QPalette colours = widget(screen.txtDevice)->palette();
+        return std::abs(colours.color(group, QPalette::Text).lightness() -
+                        colours.color(group, QPalette::Base).lightness());
+    };
+    const QPalette before = QApplication::palette();
+    for (const QColor& ground : {QColor(Qt::white), QColor(Qt::black)}) {
+        QApplication::setPalette(QPalette(ground));
+        settle();
+        EXPECT_GE(contrast(QPalette::Disabled), 0.5 * contrast(QPalette::Active));
+        EXPECT_LT(contrast(QPalette::Disabled), contrast(QPalette::Active));
+    }
+    QApplication::setPalette(before);
+}
+
 TEST_F(QtScreenTest, AnAbsentTabIsNotShown) {
     auto* tabs = static_cast<QTabBar*>(widget(screen.TabStrip1));
     ASSERT_GT(tabs->count(), 3);

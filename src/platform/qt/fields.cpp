@@ -28,6 +28,26 @@ QSize Field::minimumSizeHint() const {
     return columns_ == 0 ? QLineEdit::minimumSizeHint() : sizeHint();
 }
 
+void Field::changeEvent(QEvent* event) {
+    QLineEdit::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) darken_locked_text();
+}
+
+// Setting a palette is told as a change of it: the second time there is nothing to do.
+void Field::darken_locked_text() {
+    constexpr double strength = 0.7;  // of the colour of free text, on the ground behind it
+    QPalette colours = palette();
+    const QColor text = colours.color(QPalette::Active, QPalette::Text);
+    const QColor ground = colours.color(QPalette::Disabled, QPalette::Base);
+    const auto mixed = [&](int of_text, int of_ground) {
+        return static_cast<int>(strength * of_text + (1 - strength) * of_ground);
+    };
+    colours.setColor(QPalette::Disabled, QPalette::Text,
+                     QColor(mixed(text.red(), ground.red()), mixed(text.green(), ground.green()),
+                            mixed(text.blue(), ground.blue())));
+    if (colours != palette()) setPalette(colours);
+}
+
 TextView::TextView() {
     setFont(monospaced_font());
     setReadOnly(true);

@@ -11,14 +11,21 @@
 
 namespace vkm {
 
-// A line of text, as wide as so many digits; 0 takes what width there is.
+// A line of text, as wide as so many digits; 0 takes what width there is. What stands
+// in it can be read from afar while it is locked too: it is what the job works with.
 class Field final : public QLineEdit {
   public:
+    Field() { darken_locked_text(); }
     void set_columns(int columns);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
+  protected:
+    void changeEvent(QEvent* event) override;
+
   private:
+    void darken_locked_text();
+
     int columns_ = 0;
 };
 
