@@ -30,9 +30,12 @@ bool number_is_shown(const frmMain& frm, const BufferView& view) {
     return is_program_image(view.buffer) ? frm.screen.cheAuto_Increase.Value != 0 : view.set.Active;
 }
 
+// The insertion point stays at the number's place in the page also when the page is
+// scrolled away from it.
 void select_number(const frmMain& frm, const BufferView& view) {
     if (view.set.Length <= 0) return;
-    view.page.SelStart = view.set.Sel_Start;
+    const auto end = static_cast<std::int32_t>(view.page.Text.size());
+    view.page.SelStart = std::min(view.set.Sel_Start, end);
     view.page.SelLength = number_is_shown(frm, view) ? view.set.Sel_Length : 0;
 }
 
