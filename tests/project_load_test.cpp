@@ -8,6 +8,7 @@
 #include "options/option_schema.h"
 #include "project/project_files.h"
 #include "session/download_session.h"
+#include "window/main_window.h"
 
 namespace vkm::test {
 namespace {
@@ -256,6 +257,9 @@ TEST(DamagedProject, CutOffAnywhereNeverGivesOtherBytesThanWereSaved) {
     }
 }
 
+const std::string no_file_to_download = "    Please open file./请打开文件。    ";
+const std::string no_file_to_save = "    Please open file./请打开应用文件。    ";
+
 TEST(DamagedProject, OfTheProgramCantBeDownloaded) {
     const std::string good = small_project("VKM26H5404", "", bytes_without_zero(20));
     const std::string last = good.substr(good.size() - 2);
@@ -276,9 +280,71 @@ TEST(DamagedProject, OfTheProgramCantBeDownloaded) {
         EXPECT_TRUE(bench.frm.screen.txtDevice.Enabled);
         EXPECT_EQ(bench.frm.screen.txtDevice.Text, "VKM26H5404");
         bench.click(bench.frm.screen.comDownload[0]);
-        EXPECT_EQ(bench.take_texts(), (Texts{"    Please open file./请打开文件。    "}));
+        EXPECT_EQ(bench.take_texts(), (Texts{no_file_to_download}));
         EXPECT_EQ(bench.port.opens, 0);
     }
+}
+
+// A bench with a project whose program is damaged, and a data file beside it.
+struct SpoiltBench : ProjectBench {
+    SpoiltBench() {
+        open(with(small_project("VKM26H5404", "", Bytes{0x5A, 0xC3}), "5AC3", "5AC4"));
+        EXPECT_EQ(take_texts(), (Texts{program_sum_wrong}));
+        open_data_file();
+    }
+    void open_data_file() {
+        frm.screen.cheClearDataBuffer.Value = 1;
+        files.add("/work/d.bin", Bytes(40, 0x66));
+        dialogs.choose_file("/work/d.bin");
+        click(frm.screen.comLoadDataFile);
+        EXPECT_EQ(data(), Bytes(40, 0x66));
+        take_texts();
+    }
+};
+
+TEST(DamagedProject, OfTheProgramIsNoJobWithADataFileBesideIt) {
+    SpoiltBench bench;
+    EXPECT_FALSE(bench.frm.images.File_Loaded);
+    bench.click(bench.frm.screen.comDownload[0]);
+    EXPECT_EQ(bench.take_texts(), (Texts{no_file_to_download}));
+    EXPECT_EQ(bench.port.opens, 0);
+    EXPECT_EQ(bench.save("/work/again.VKM"), "");
+    EXPECT_EQ(bench.take_texts(), (Texts{no_file_to_save}));
+}
+
+TEST(DamagedProject, OfTheProgramIsAJobWithAProgramFileInItsPlace) {
+    SpoiltBench bench;
+    bench.files.add("/work/a.bin", Bytes{7, 8, 9});
+    bench.dialogs.choose_file("/work/a.bin");
+    bench.click(bench.frm.screen.comLoadFile);
+    EXPECT_TRUE(bench.frm.images.File_Loaded);
+    bench.open_data_file();
+    EXPECT_TRUE(bench.frm.images.File_Loaded);
+    EXPECT_EQ(bench.program(), (Bytes{7, 8, 9}));
+    EXPECT_NE(bench.save("/work/again.VKM"), "");
+    EXPECT_TRUE(bench.take_texts().empty());
+}
+
+TEST(DamagedProject, OfTheProgramIsForgottenWithAnotherChoiceOfTheModel) {
+    SpoiltBench bench;
+    ASSERT_TRUE(choose_key(bench.frm.screen.TreeViewDevice, "VKM26H5404"));
+    bench.click(bench.frm.screen.TreeViewDevice);
+    bench.open_data_file();
+    EXPECT_TRUE(bench.frm.images.File_Loaded);
+}
+
+TEST(DamagedProject, OfTheProgramIsForgottenWithAGoodOne) {
+    SpoiltBench bench;
+    bench.open(small_project("VKM26H5404", "", Bytes{1, 2}));
+    bench.click(bench.frm.screen.comUnlockOptions);
+    bench.open_data_file();
+    EXPECT_TRUE(bench.frm.images.File_Loaded);
+}
+
+TEST(DamagedProject, OfTheProgramShowsTheBytesThatItHas) {
+    const SpoiltBench bench;
+    EXPECT_TRUE(bench.frm.screen.txtBuffer2.Text.starts_with("\r\n\r\n 000000   5A C4 00 "))
+        << bench.frm.screen.txtBuffer2.Text;
 }
 
 TEST(DamagedProject, OfTheProgramLeavesALockThatStoodBefore) {
@@ -312,6 +378,42 @@ TEST(DamagedProject, OfTheDataKeepsTheProgramAndIsLocked) {
     }
 }
 
+TEST(DamagedProject, OfTheDataNamesNoDataFile) {
+    const std::string good =
+        small_project("VKM26H5404",
+                      "File_Name: File Buffer: C:\\x.hex\r\nFile_Check_Sum: 00AB\r\n"
+                      "Dtat_File_Name: Data File: C:\\d.bin\r\nDtat_File_CheckSum: 12\r\n",
+                      Bytes{1, 2});
+    const std::string data = data_section(Bytes{1, 2, 3});
+    {
+        ProjectBench bench;
+        bench.open(good + data);
+        EXPECT_EQ(bench.frm.screen.frmDataFlash.Caption, "Data File: C:\\d.bin");
+    }
+    for (const std::string& section : {std::string(), with(data, "010203", "010204")}) {
+        SCOPED_TRACE(section);
+        ProjectBench bench;
+        bench.load_data(bytes_without_zero(7));
+        bench.open(good + section);
+        EXPECT_EQ(bench.take_texts(), (Texts{data_sum_wrong}));
+        const Screen& s = bench.frm.screen;
+        EXPECT_EQ(s.frmDataFlash.Caption, "Data File: ");
+        EXPECT_EQ(s.txtDataFileCheckSum.Text, "");
+        EXPECT_TRUE(bench.frm.images.Data_Buffer.Bytes == Bytes(0x8001, 0));
+        EXPECT_FALSE(bench.frm.images.Data_Buffer.Has_File);
+        EXPECT_TRUE(s.tetDataFlash2.Text.starts_with("\r\n\r\n 000000   00 00 00 "));
+        // The program is the whole job.
+        EXPECT_EQ(s.Frame7.Caption, "File Buffer: C:\\x.hex");
+        EXPECT_EQ(s.txtFileCheckSum.Text, "00AB");
+        EXPECT_TRUE(bench.locked());
+        EXPECT_TRUE(bench.frm.images.File_Loaded);
+        bench.click_stop_in(500);
+        bench.click(bench.frm.screen.comDownload[0]);
+        EXPECT_GT(bench.port.opens, 0);
+        EXPECT_TRUE(bench.take_texts().empty());
+    }
+}
+
 TEST(DamagedProject, WithMoreBytesThanTheImagesTakeIsOne) {
     ProjectBench bench;
     bench.open(small_project("VKM26H5404", "", Bytes(0x12002, 0)));
@@ -335,14 +437,40 @@ TEST(DamagedProject, WithoutAHeaderIsAnOldOneOfNoModel) {
     }
 }
 
-TEST(DamagedProject, ThatIsGoneReadsAsAnEmptyOne) {
+TEST(AProject, ThatCantBeOpenedIsToldAndLeavesEverythingAsItWas) {
+    for (const bool there : {false, true})
+        for (const bool english : {false, true}) {
+            ProjectBench bench;
+            bench.frm.screen.Show_English = english;
+            bench.load_bytes(bytes_without_zero(30));
+            if (there)
+                bench.files.add(project_path, small_project("VKM26H5404", "", Bytes{1})).readable =
+                    false;
+            const Before before = Before::of(bench);
+            bench.dialogs.choose_file(project_path);
+            bench.click(bench.frm.screen.comOpenBatchFile);
+            EXPECT_EQ(bench.take_texts(), (Texts{english ? "Can not find the file."
+                                                         : "Can not find the file./找不到文件"}));
+            EXPECT_TRUE(Before::of(bench) == before);
+            EXPECT_TRUE(bench.frm.images.File_Loaded);
+            EXPECT_FALSE(bench.locked());
+            EXPECT_EQ(bench.files.open_readers, 0);
+        }
+}
+
+TEST(AProject, ThatIsReadWhileTheWindowClosesChangesNothing) {
     ProjectBench bench;
+    bench.load_bytes(bytes_without_zero(30));
     const Before before = Before::of(bench);
-    bench.dialogs.choose_file("/work/gone.VKM");
-    bench.click(bench.frm.screen.comOpenBatchFile);
-    EXPECT_EQ(bench.take_texts().size(), 3u);
+    const std::string text = small_project("VKM26H5404", "", bytes_without_zero(70'000));
+    bench.at(0, [&] { QueryUnload(bench.frm); });
+    bench.open(text);
+    EXPECT_TRUE(bench.frm.link.close_pending);
+    EXPECT_LT(bench.files.files.at(project_path).bytes_read, text.size());
+    EXPECT_TRUE(bench.take_texts().empty());
     EXPECT_TRUE(Before::of(bench) == before);
-    EXPECT_EQ(bench.files.open_readers, 0);
+    EXPECT_TRUE(bench.frm.images.File_Loaded);
+    EXPECT_FALSE(bench.locked());
 }
 
 TEST(DamagedProject, WhoseDiskBreaksIsCutOffThere) {
@@ -420,6 +548,26 @@ TEST(ProjectValue, OfAKeyThatTheFamilyLacksChangesNothing) {
                                Bytes{1}));
     EXPECT_EQ(differences(panel_of(strange.frm), panel_of(plain.frm)), "");
     EXPECT_EQ(differences(items_of(strange.frm), items_of(plain.frm)), "");
+}
+
+TEST(ProjectValue, OfAKeyThatStandsTwiceIsTheFirstOne) {
+    ProjectBench bench;
+    bench.frm.screen.texAuto_Increase[3].Text = "17";
+    bench.open(with(small_project("VKM26H5404",
+                                  "File_Check_Sum: 00AB\r\nFile_Check_Sum: 00CD\r\n"
+                                  "Auto_Increase:\r\nAuto_Increase: 5\r\n"
+                                  "Interior_Oscillate: True\r\nExterior_Oscillate: False\r\n"
+                                  "Exterior_Oscillate: True\r\nMCU_Type: VKM27J060\r\n"
+                                  "WDT_Prescalar: 2\r\nWDT_Prescalar: 4\r\n",
+                                  Bytes{1}),
+                    "END", "buffer_check_sum: 2\r\nEND"));
+    EXPECT_TRUE(bench.take_texts().empty());
+    const Screen& s = bench.frm.screen;
+    EXPECT_EQ(s.txtDevice.Text, "VKM26H5404");
+    EXPECT_EQ(s.txtFileCheckSum.Text, "00AB");
+    EXPECT_EQ(s.texAuto_Increase[3].Text, "17");
+    EXPECT_EQ(s.Option0[0].Value, 1);
+    EXPECT_EQ(s.comWDT_Prescalar.ListIndex, 2);
 }
 
 TEST(ProjectValue, OfAPrescalerOutsideTheListChangesNothing) {

@@ -169,6 +169,55 @@ TEST(OpeningAProject, WorksFromTheButtonsOfTheFilesAndByDropping) {
     }
 }
 
+// The operator's three ways from the files to a project.
+void open_from_the_files(ProjectBench& bench, int way, const std::string& text) {
+    bench.files.add(project_path, text);
+    if (way < 2) bench.dialogs.choose_file(project_path);
+    if (way == 0) bench.click(bench.frm.screen.comLoadFile);
+    if (way == 1) bench.click(bench.frm.screen.comLoadDataFile);
+    if (way == 2) handle_event(bench.frm, {nullptr, EventKind::Drop, 0, project_path});
+}
+
+TEST(OpeningAProject, ThatIsRefusedLeavesTheNamesOfTheLoadedFiles) {
+    for (const int way : {0, 1, 2}) {
+        SCOPED_TRACE(way);
+        ProjectBench bench("VKM26H5404");
+        bench.frm.screen.cheClearDataBuffer.Value = 1;
+        bench.files.add("/work/a.bin", Bytes{1, 2});
+        bench.files.add("/work/d.bin", Bytes{3, 4});
+        bench.dialogs.choose_file("/work/a.bin");
+        bench.click(bench.frm.screen.comLoadFile);
+        bench.dialogs.choose_file("/work/d.bin");
+        bench.click(bench.frm.screen.comLoadDataFile);
+        open_from_the_files(bench, way, small_project("X", "File_Name: File Buffer: x\r\n", {}));
+        EXPECT_EQ(bench.take_texts().size(), 2u);
+        EXPECT_EQ(bench.frm.screen.Frame7.Caption, "File Buffer: /work/a.bin");
+        EXPECT_EQ(bench.frm.screen.frmDataFlash.Caption, "Data File: /work/d.bin");
+        EXPECT_EQ(bench.program(), (Bytes{1, 2}));
+        EXPECT_EQ(bench.data(), (Bytes{3, 4}));
+    }
+}
+
+TEST(OpeningAProject, FromTheFilesShowsTheNamesThatItHas) {
+    for (const int way : {0, 1, 2})
+        for (const bool named : {false, true}) {
+            SCOPED_TRACE(way);
+            ProjectBench bench;
+            open_from_the_files(bench, way,
+                                small_project("VKM26H5404",
+                                              named ? "File_Name: File Buffer: C:\\x.hex\r\n"
+                                                      "Dtat_File_Name: Data File: C:\\d.bin\r\n"
+                                                    : "",
+                                              Bytes{7}) +
+                                    data_section(Bytes{8}));
+            EXPECT_EQ(bench.frm.screen.Frame7.Caption,
+                      named ? "File Buffer: C:\\x.hex" : "File Buffer: ");
+            EXPECT_EQ(bench.frm.screen.frmDataFlash.Caption,
+                      named ? "Data File: C:\\d.bin" : "Data File: ");
+            EXPECT_TRUE(bench.take_texts().empty());
+        }
+}
+
 TEST(OpeningAProject, HoldsEveryJobBackMeanwhile) {
     ProjectBench bench;
     bench.dialogs.stays = std::chrono::seconds(3);

@@ -203,6 +203,15 @@ TEST(HugeProject, MillionsOfRowsAreNotKept) {
     EXPECT_TRUE(content.program.is_whole(3));
 }
 
+TEST(HugeProject, WhatStandsBehindTheDataIsNotRead) {
+    MemoryFiles files;
+    MemoryFile& file = files.add("p", whole);
+    file.size = huge;
+    file.rest = 'A';
+    expect_whole(read_whole(files.open("p").get()));
+    EXPECT_LE(file.bytes_read, 100'000u);
+}
+
 TEST(HugeProject, MillionsOfEmptyLinesBehindTheProgramAreNoData) {
     EXPECT_FALSE(read_long("END\n01\n", '\n', 20'000'000).has_data);
 }

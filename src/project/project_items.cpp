@@ -1,6 +1,7 @@
 #include "project/project_items.h"
 
 #include <algorithm>
+#include <set>
 
 #include "options/mcu_options.h"
 #include "options/option_schema.h"
@@ -119,7 +120,10 @@ Project_Rows project_items(frmMain& frm) {
 }
 
 void Set_Project_Items(frmMain& frm, const Project_Rows& rows) {
+    std::set<std::string_view> seen;
     for (const Project_Row& item : rows) {
+        // Of a key that stands twice the first row counts, as in value_of().
+        if (!seen.insert(item.key).second) continue;
         if (item.value.empty() || item.key == project_key::model) continue;
         set_general_item(frm, item);
         set_option(frm, item);
