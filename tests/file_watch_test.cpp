@@ -307,6 +307,146 @@ TEST(FileWatch, DownloadsNothingThatTheOperatorRefused) {
     EXPECT_EQ(bench.port.opens, 0);
 }
 
+TEST(FileWatch, WaitsInSilenceForAFileThatCantBeOpenedYet) {
+    QuietBench bench;
+    bench.change(second_version);
+    bench.files.files.at(path).readable = false;
+    bench.run_for(6000);
+    EXPECT_EQ(bench.loads(), 0u);
+    EXPECT_EQ(bench.program(), first_version);
+    EXPECT_EQ(bench.port.opens, 0);
+    EXPECT_TRUE(bench.boxes().empty());
+    bench.files.files.at(path).readable = true;
+    bench.run_and_stop(4000);
+    EXPECT_EQ(bench.loads(), 1u);
+    EXPECT_EQ(bench.program(), second_version);
+    EXPECT_TRUE(bench.boxes().empty());
+}
+
+TEST(FileWatch, DownloadsNothingWhoseStartAddressIsRefused) {
+    QuietBench bench;
+    bench.want_code();
+    bench.frm.screen.txtAP_FileStart.Text = "FFFFF";
+    bench.change(second_version);
+    bench.run_for(6000);
+    EXPECT_EQ(bench.take_texts(), (Texts{"Buffer Start Address Outrun the valid scope. \r\n"
+                                         "   缓冲区起始地址超出有效空间。"}));
+    EXPECT_EQ(bench.program(), first_version);
+    EXPECT_TRUE(bench.frm.images.File_Loaded);
+    EXPECT_EQ(bench.port.opens, 0);
+    EXPECT_FALSE(bench.frm.session.Running);
+}
+
+TEST(FileWatch, WithBothTicksIsStoppedAsAWhole) {
+    QuietBench bench;
+    bench.want_code();
+    bench.change(second_version);
+    bench.at(5000, [&] {
+        EXPECT_TRUE(bench.downloads());
+        EXPECT_EQ(bench.codes_sent(), 1);
+        comStop_Download(bench.frm);
+    });
+    bench.at(7000, [&] {
+        EXPECT_FALSE(bench.downloads());
+        comStop_Download(bench.frm);
+    });
+    bench.run_for(8000);
+    EXPECT_EQ(bench.loads(), 1u);
+}
+
+TEST(FileWatch, WithBothTicksDownloadsOnceMoreBehindAFailure) {
+    WatchBench bench({.faults = {lose_frame(sim::FrameKind::erase, always)}});
+    bench.want_code();
+    bench.want_download();
+    bench.settle();
+    bench.change(second_version);
+    bench.at(60'000, [&] {
+        EXPECT_EQ(bench.frm.session.UI_State, 1) << bench.story();
+        comStop_Download(bench.frm);
+    });
+    bench.run_for(61'000);
+}
+
+TEST(FileWatch, WithBothTicksDownloadsWhenTheCodeCantBeSent) {
+    QuietBench bench;
+    bench.click_stop_in(500);
+    comDownload(bench.frm, 0);  // an earlier job, which was stopped
+    bench.want_code();
+    bench.frm.screen.cobUserCodeParity.ListIndex = -1;
+    bench.take_texts();
+    bench.change(second_version);
+    bench.at(4000, [&] { EXPECT_TRUE(bench.downloads()); });
+    bench.run_and_stop(5000);
+    EXPECT_EQ(bench.take_texts().size(), 1u);
+    EXPECT_EQ(bench.codes_sent(), 0);
+}
+
+// What a view that was drawn anew asks for.
+void expect_keyboard_left(const WatchBench& bench) {
+    EXPECT_EQ(bench.frm.screen.Focus_Request, "");
+}
+
+TEST(Keyboard, StaysWhereItIsWhenTheWatchReadsTheFile) {
+    QuietBench bench;
+    bench.want_code();
+    ASSERT_TRUE(bench.choose(bench.frm.screen.cobUserCodeBaud, "600"));
+    bench.frm.screen.txtUserCode.Text = std::string(400, '5');
+    bench.frm.screen.Focus_Request = {};
+    bench.change(second_version);
+    int looks = 0;
+    for (int ms = 0; ms < 6000; ms += 20)
+        bench.at(ms, [&] {
+            // The image is the new one, and the code is on its way.
+            if (bench.loads() == 0 || bench.downloads()) return;
+            ++looks;
+            expect_keyboard_left(bench);
+        });
+    bench.run_and_stop(8000);
+    EXPECT_GT(looks, 50);
+}
+
+TEST(Keyboard, StaysWhereItIsWhenAReloadedFileIsRefused) {
+    WatchBench bench;
+    bench.frm.screen.cekReloadFile.Value = 1;
+    bench.files.add(path, std::string(":010000000100\n:010001000200\n:010002000300\n"));
+    bench.dialogs.answer_no();
+    bench.take_texts();
+    bench.frm.screen.Focus_Request = {};
+    bench.click(bench.frm.screen.comDownload[0]);
+    EXPECT_EQ(bench.take_texts().back(), "    Please open file./请打开文件。    ");
+    expect_keyboard_left(bench);
+}
+
+TEST(Keyboard, StaysWhereItIsWhenTheNumbersOfAJobArePatched) {
+    for (const bool data_number_fits : {true, false}) {
+        WatchBench bench({.powered_at = sim::never});
+        Screen& s = bench.frm.screen;
+        ASSERT_TRUE(bench.select_model("VKM26H5404"));
+        bench.load_data(Bytes(100, 1));
+        s.Frame7.Visible = s.frmDataFlash.Visible = true;
+        s.texAuto_Increase[0].Text = "10";
+        s.texData_Auto_Increase[0].Text = data_number_fits ? "10" : "FFFFF";
+        s.cheAuto_Increase.Value = 1;
+        s.cheData_Auto_Increase.Value = 1;
+        bench.take_texts();
+        bench.dialogs.stays = Milliseconds(1000);
+        s.Focus_Request = {};
+        bool looked = false;
+        // Behind the box of a number that doesn't fit, or in the job.
+        bench.at(500, [&] {
+            EXPECT_EQ(bench.dialogs.open_boxes, data_number_fits ? 0 : 1);
+            EXPECT_TRUE(bench.frm.increase.Auto_Increase.Active);
+            EXPECT_EQ(bench.frm.increase.Data_Auto_Increase.Active, data_number_fits);
+            expect_keyboard_left(bench);
+            looked = true;
+        });
+        bench.click_stop_in(3000);
+        bench.click(s.comDownload[0]);
+        EXPECT_TRUE(looked);
+        expect_keyboard_left(bench);
+    }
+}
+
 TEST(FileWatch, BeginsNothingInAWindowThatCloses) {
     QuietBench bench;
     bench.want_code();

@@ -115,6 +115,48 @@ TEST(UserCode, HasLeftTheWire20MsBeforeTheDownloadBegins) {
     }
 }
 
+// A driver that never lets go of the last byte, as far as one can see.
+class StuckPort final : public ForwardingPort {
+  public:
+    using ForwardingPort::ForwardingPort;
+    std::size_t output_count() const override { return is_open() ? 1 : 0; }
+};
+
+struct StuckBench : VirtualPlatform {
+    StuckBench() {
+        loop.tell = [this] { return frm.screen.textMsg.Text; };
+        start_program(frm);
+        choose_model(frm, "VKM47H58RK");
+        frm.images.File_Loaded = true;
+        frm.screen.txtUserCode.Text = "55 AA 01";
+        choose_text(frm.screen.cobUserCodeBaud, "600");
+        wait_ms(frm, 600);
+    }
+
+    StuckPort stuck{faults};
+    frmMain frm{{loop, wall_clock, stuck, settings, dialogs, files, sounder, code_page}};
+};
+
+TEST(UserCode, WaitsHalfASecondLongerThanItNeedsForAnOutputThatNeverEmpties) {
+    StuckBench bench;
+    const Instant start = bench.loop.now();
+    bench.loop.after(Milliseconds(5000), [&] { comStop_Download(bench.frm); });
+    bench.loop.after(Milliseconds(60'000), [] { FAIL() << "it waits for ever"; });
+    handle_event(bench.frm, {&bench.frm.screen.comSendUserCode, EventKind::Click, 0, {}});
+    ASSERT_GT(bench.port.written.size(), 1u);
+    // For nothing before the code, and for its three bytes behind it.
+    EXPECT_EQ(bench.port.written[0].bytes, code);
+    const std::int64_t before = us_between(start, bench.port.written[0].at);
+    EXPECT_GE(before, 500'000);
+    EXPECT_LE(before, 502'000);
+    const std::int64_t between =
+        us_between(bench.port.written[0].at, bench.port.written[1].at) - us_to_first_pulse();
+    EXPECT_GE(between, 50'000 + 500'000 + 20'000);
+    EXPECT_LE(between, 50'000 + 500'000 + 24'000);
+    EXPECT_EQ(bench.frm.session.Result, Job_Result::stopped);
+    EXPECT_FALSE(bench.frm.session.Running);
+}
+
 TEST(UserCode, ThatIsEmptyIsADownloadAlone) {
     CodeBench bench;
     bench.frm.screen.txtUserCode.Text = "  ";
