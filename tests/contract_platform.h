@@ -25,6 +25,8 @@
 //     SettingsStore& settings();    empty at first
 //     void crash();                 the store as the next start of the program finds it;
 //                                   settings() is a new one afterwards
+//     void refuse_writing(bool refused);
+//                                   whether the store's disk takes nothing more
 //     Files& files();
 //     std::string folder();         of an empty folder, without a separator at its end
 //
@@ -434,6 +436,31 @@ TYPED_TEST_P(SettingsContract, WhatWasFlushedOutlivesACrash) {
     EXPECT_EQ(this->world.settings().get("Settings", "Write_OK_Count", "0"), "18");
 }
 
+TYPED_TEST_P(SettingsContract, WhatTheDiskDidNotTakeGoesOutWithALaterFlush) {
+    SettingsStore& store = this->world.settings();
+    const auto expect_all = [](const SettingsStore& of) {
+        EXPECT_EQ(of.get("Settings", "first", "none"), "1");
+        EXPECT_EQ(of.get("Settings", "count", "none"), "18");
+        EXPECT_EQ(of.get("Settings", "second", "none"), "2");
+    };
+    store.save("Settings", "first", "1");
+    store.save("Settings", "count", "17");
+    EXPECT_TRUE(store.flush());
+    this->world.refuse_writing(true);
+    store.save("Settings", "count", "18");
+    EXPECT_FALSE(store.flush());
+    store.save("Settings", "second", "2");
+    EXPECT_FALSE(store.flush());
+    EXPECT_FALSE(store.flush());
+    expect_all(store);
+    this->world.refuse_writing(false);
+    EXPECT_TRUE(store.flush());
+    EXPECT_TRUE(store.flush());
+    expect_all(store);
+    this->world.crash();
+    expect_all(this->world.settings());
+}
+
 TYPED_TEST_P(SettingsContract, EveryTextComesBackAsItWas) {
     const std::vector<std::string> texts = {
         "plain",
@@ -470,7 +497,8 @@ TYPED_TEST_P(SettingsContract, EveryTextComesBackAsItWas) {
 
 REGISTER_TYPED_TEST_SUITE_P(SettingsContract, AnAbsentKeyGivesTheDefault, ASavedValueIsReadBack,
                             AnEmptyValueIsAValue, SectionsKeepTheirKeysApart,
-                            WhatWasFlushedOutlivesACrash, EveryTextComesBackAsItWas);
+                            WhatWasFlushedOutlivesACrash,
+                            WhatTheDiskDidNotTakeGoesOutWithALaterFlush, EveryTextComesBackAsItWas);
 
 // ---- Files ---------------------------------------------------------------------
 

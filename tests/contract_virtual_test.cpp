@@ -31,6 +31,7 @@ class VirtualContractWorld {
     void pull_plug() { platform_.port.unplug(); }
     SettingsStore& settings() { return platform_.settings; }
     void crash() { platform_.settings.crash(); }
+    void refuse_writing(bool refused) { platform_.settings.disk_full = refused; }
     Files& files() { return platform_.files; }
     std::string folder() { return "/bench"; }
 

@@ -1,9 +1,11 @@
 // What the operator does in the hex view: scrolling, clicking, overwriting digits.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "image/buffer_view.h"
 #include "image/image_files.h"
 #include "image_world.h"
 #include "session/download_session.h"
@@ -480,6 +482,40 @@ TEST(EditPermission, EndsTwentySecondsAfterTheLastEdit) {
     }
 }
 
+TEST(EditPermission, EndsWithTheLoadOfAFile) {
+    for (const bool data_file : {false, true}) {
+        EditWorld world("VKM27J032");
+        world.open(0x40);
+        world.click_at(place_of(0, 0));
+        world.dialogs.answer_yes();
+        world.press("F");
+        ASSERT_TRUE(world.frm.images.Buffer_Edit_OK);
+        world.load(data_file ? world.data() : world.program(), "/b.bin", pattern(0x40));
+        EXPECT_FALSE(world.frm.images.Buffer_Edit_OK);
+        world.dialogs.boxes.clear();
+        world.click_at(place_of(0, 4));
+        world.press("E");
+        EXPECT_EQ(world.boxes().size(), 1u);
+        EXPECT_EQ(world.at_address(4), pattern(0x40)[4]);
+    }
+}
+
+TEST(EditPermission, EndsWithTheLoadOfAProject) {
+    EditWorld world;
+    world.open(0x40);
+    world.permit();
+    world.files.add("/p.VKM", std::string_view("VER: 1.1\r\nMCU_Type: VKM47H516RK\r\n"
+                                               "buffer_check_sum: 6\r\nEND\r\n010203"));
+    handle_event(world.frm, {nullptr, EventKind::Drop, 0, "/p.VKM"});
+    ASSERT_EQ(world.at_address(2), 3);
+    ASSERT_TRUE(world.boxes().empty());
+    EXPECT_FALSE(world.frm.images.Buffer_Edit_OK);
+    world.click_at(place_of(0, 0));
+    world.press("F");
+    EXPECT_EQ(world.boxes().size(), 1u);
+    EXPECT_EQ(world.at_address(0), 1);
+}
+
 TEST(EditPermission, IsHeldByEditsAlone) {
     EditWorld world;
     world.open(0x400);
@@ -519,6 +555,39 @@ TEST(Edit, IsRefusedWhileASessionRuns) {
         world.permit();
         world.press("F", element);
         EXPECT_NE(world.program().Bytes, before);
+    }
+}
+
+// What may happen to the page while the question stands there.
+TEST(EditQuestion, BehindWhichThePageHasChangedChangesNothing) {
+    const std::function<void(EditWorld&)> changes[] = {
+        [](EditWorld& world) {
+            world.view().Rows = 3;
+            Redraw_Page(world.frm, world.program());
+        },
+        [](EditWorld& world) { world.load(world.program(), "/b.bin", Bytes{1}); },
+        [](EditWorld& world) { world.view().Text.clear(); },
+    };
+    for (const auto& change : changes) {
+        EditWorld world;
+        world.frm.screen.cheClearAP_Buffer.Value = 1;
+        world.open(0x400);
+        world.click_at(place_of(30, 5));
+        ASSERT_EQ(world.view().SelLength, 1);
+        world.dialogs.stays = Milliseconds(1000);
+        world.dialogs.answer_yes();
+        std::string text;
+        Bytes bytes;
+        world.at(500, [&] {
+            EXPECT_EQ(world.dialogs.open_boxes, 1);
+            change(world);
+            text = world.view().Text;
+            bytes = world.program().Bytes;
+        });
+        EXPECT_NO_THROW(world.press("F"));
+        ASSERT_FALSE(bytes.empty());
+        EXPECT_EQ(world.view().Text, text);
+        EXPECT_TRUE(world.program().Bytes == bytes);
     }
 }
 

@@ -247,6 +247,72 @@ TEST(NumberedDownload, StoresTheNextNumberWithTheCountOfTheChip) {
     bench.settings.after_flush = {};
 }
 
+// ---- a disk that takes nothing ------------------------------------------------------------
+
+TEST(CountThatCantBeSaved, IsToldBehindEachGoodChipUntilTheDiskTakesIt) {
+    for (const bool english : {false, true}) {
+        NumberBench bench;
+        bench.frm.screen.Show_English = english;
+        bench.load(0x300);
+        bench.type(true, "1FF", "2", "0041");
+        bench.tick(true);
+        const std::string told = english
+                                     ? "\r\nThe counter and the next number can not be saved!"
+                                     : "\r\nThe counter and the next number can not be saved! / "
+                                       "计数和下一个值无法保存!";
+        const auto stored = [&](const char* section, const char* key) {
+            const auto found = bench.settings.on_disk.find({section, key});
+            return found == bench.settings.on_disk.end() ? std::string("none") : found->second;
+        };
+        bench.settings.disk_full = true;
+        const std::string count_before = stored("Settings", "Write_OK_Count");
+        for (const char* count : {"1", "2"}) {
+            comDownload(bench.frm, 0);
+            EXPECT_TRUE(ends_with(bench.log(), told)) << bench.log();
+            EXPECT_EQ(bench.log().find(told), bench.log().rfind(told));
+            EXPECT_EQ(bench.verdict(), english ? "✔ OK" : "✔ OK / 成功");
+            EXPECT_TRUE(bench.frm.session.Program_OK);
+            EXPECT_EQ(bench.frm.session.Result, Job_Result::done);
+            EXPECT_EQ(bench.count(), count);
+            EXPECT_TRUE(bench.boxes().empty());
+            bench.chip.power_cycle(bench.loop.now(), Milliseconds(100), true);
+        }
+        EXPECT_EQ(stored("Settings", "Write_OK_Count"), count_before);
+        EXPECT_EQ(stored("Auto_Increase", "next_value"), "0041");
+        EXPECT_EQ(bench.fields(true)[2].Text, "0043");
+
+        bench.settings.disk_full = false;
+        EXPECT_TRUE(bench.settings.flush());
+        EXPECT_EQ(stored("Settings", "Write_OK_Count"), "2");
+        EXPECT_EQ(stored("Auto_Increase", "next_value"), "0043");
+        comDownload(bench.frm, 0);
+        EXPECT_EQ(bench.count(), "3");
+        EXPECT_EQ(stored("Settings", "Write_OK_Count"), "3");
+        EXPECT_FALSE(bench.log_has(told));
+        EXPECT_EQ(bench.flash_at(0x1FE, 2), (Bytes{0x00, 0x43}));
+    }
+}
+
+TEST(CountThatCantBeSaved, IsToldForEachChipOfASeries) {
+    NumberBench bench;
+    bench.load(0x300);
+    bench.settings.disk_full = true;
+    const std::string told = "The counter and the next number can not be saved! / ";
+    std::vector<bool> seen;
+    // Each log begins anew with its chip, and waits behind it for the next one.
+    for (int ms = 0; ms < 20'000; ms += 50)
+        bench.at(ms, [&] {
+            if (bench.count() != std::to_string(seen.size() + 1) || !bench.log_has("will continue"))
+                return;
+            seen.push_back(bench.log_has(told));
+            if (seen.size() == 3) return comStop_Download(bench.frm);
+            bench.chip.replace(bench.loop.now());
+            bench.power_on_in(150);
+        });
+    comDownload(bench.frm, 1);
+    EXPECT_EQ(seen, (std::vector<bool>{true, true, true}));
+}
+
 TEST(NumberedDownload, OfAReloadedFileNeedsTheBoxTickedAgain) {
     NumberBench bench;
     const Bytes file = random_bytes(0x300, 5);

@@ -54,16 +54,31 @@ class QtContractWorld {
     void crash() {
         const QString left = folder_.filePath("left behind.ini");
         QFile::remove(left);
-        QFile::copy(folder_.filePath("settings.ini"), left);
+        QFile::copy(folder_.filePath(ini_), left);
         settings_.reset();
-        QFile::remove(folder_.filePath("settings.ini"));
-        QFile::rename(left, folder_.filePath("settings.ini"));
-        settings_ = store("settings.ini");
+        QFile::remove(folder_.filePath(ini_));
+        QFile::rename(left, folder_.filePath(ini_));
+        settings_ = store(ini_);
+    }
+    // With a file in the place of its folder nobody can write there, root neither.
+    void refuse_writing(bool refused) {
+        const QString place = folder_.filePath("store");
+        const QString aside = folder_.filePath("store aside");
+        QDir disk(folder_.path());
+        if (refused) {
+            ASSERT_TRUE(disk.rename(place, aside));
+            ASSERT_TRUE(QFile(place).open(QIODevice::WriteOnly));
+        } else {
+            ASSERT_TRUE(QFile::remove(place));
+            ASSERT_TRUE(disk.rename(aside, place));
+        }
     }
     Files& files() { return files_; }
     std::string folder() { return path("files"); }
 
   private:
+    static constexpr const char* ini_ = "store/settings.ini";
+
     std::string path(const char* name) { return folder_.filePath(name).toStdString(); }
     std::unique_ptr<QtSettingsStore> store(const char* name) {
         return std::make_unique<QtSettingsStore>(path(name));
@@ -71,7 +86,7 @@ class QtContractWorld {
 
     QApplication& application_ = application();
     QTemporaryDir folder_;
-    bool made_ = QDir(folder_.path()).mkdir("files");
+    bool made_ = QDir(folder_.path()).mkdir("files") && QDir(folder_.path()).mkdir("store");
     PseudoTerminal terminal_{path("terminal")};
     QtSettingsStore own_settings_{path("ports.ini")};
     PortRegistry ports_{own_settings_};
@@ -79,7 +94,7 @@ class QtContractWorld {
     QtEventLoop loop_{port_};
     QObject context_;
     std::deque<std::function<void()>> acts_;
-    std::unique_ptr<QtSettingsStore> settings_ = store("settings.ini");
+    std::unique_ptr<QtSettingsStore> settings_ = store(ini_);
     QtFiles files_;
 };
 

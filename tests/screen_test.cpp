@@ -43,6 +43,23 @@ TEST(Screen, KnowsNoControlBeyondItsArraysAndNames) {
     EXPECT_EQ(find_control(screen, "txtDevice", 7), &screen.txtDevice);
 }
 
+TEST(Screen, GoesThroughTheElementsOfAnArrayOrTheOneControl) {
+    Screen screen;
+    const auto names_of = [&](std::string_view name) {
+        std::string names;
+        for_each_element(screen, name,
+                         [&](Control& control) { names += full_name(control) + " "; });
+        return names;
+    };
+    EXPECT_EQ(names_of("comDownload"), "comDownload(0) comDownload(1) ");
+    EXPECT_EQ(names_of("optAuto_Increase"),
+              "optAuto_Increase(0) optAuto_Increase(1) optAuto_Increase(2) ");
+    EXPECT_EQ(names_of("txtDevice"), "txtDevice ");
+    EXPECT_EQ(names_of("noSuchControl"), "");
+    for_each_element(screen, "comDownload", [](Control& control) { control.Enabled = false; });
+    EXPECT_FALSE(screen.comDownload[1].Enabled);
+}
+
 TEST(Screen, StartsWithTheTextsAndStatesOfTheTable) {
     Screen screen;
     EXPECT_EQ(screen.comDownload[0].Caption, "Download");

@@ -234,6 +234,51 @@ TEST(Download, ReloadsTheProgramFileWhenTheOperatorWantsIt) {
     EXPECT_EQ(bench.count(), "2");
 }
 
+TEST(Download, ReadsTheLoadedFileAgainBehindOneWhoseStartAddressWasRefused) {
+    for (const bool gone : {false, true}) {
+        SessionBench bench({.model = "VKM47H58RK+"});
+        Screen& screen = bench.frm.screen;
+        const auto bytes = random_bytes(900, 5);
+        bench.files.add("/job/app.bin", bytes);
+        bench.files.add("/job/other.bin", random_bytes(900, 6));
+        bench.dialogs.choose_file("/job/app.bin");
+        comLoadFile(bench.frm);
+        screen.txtAP_FileStart.Text = "FFFFF";
+        bench.dialogs.choose_file("/job/other.bin");
+        comLoadFile(bench.frm);
+        ASSERT_EQ(bench.boxes().size(), 3u);
+        bench.dialogs.boxes.clear();
+        screen.txtAP_FileStart.Text = "0";
+        if (gone) bench.files.remove("/job/other.bin");
+        screen.cekReloadFile.Value = 1;
+        comDownload(bench.frm, 0);
+        expect_good_chip(bench);
+        EXPECT_TRUE(bench.flash_holds(bytes));
+        EXPECT_EQ(screen.Frame7.Caption, "File Buffer: /job/app.bin");
+        EXPECT_TRUE(bench.boxes().empty());
+    }
+}
+
+TEST(Download, TellsThatTheLoadedFileHasGoneThoughARefusedOneIsThere) {
+    SessionBench bench({.powered_at = sim::never});
+    Screen& screen = bench.frm.screen;
+    bench.files.add("/job/app.bin", random_bytes(900, 5));
+    bench.files.add("/job/other.bin", random_bytes(900, 6));
+    bench.dialogs.choose_file("/job/app.bin");
+    comLoadFile(bench.frm);
+    screen.txtAP_FileStart.Text = "FFFFF";
+    bench.dialogs.choose_file("/job/other.bin");
+    comLoadFile(bench.frm);
+    bench.dialogs.boxes.clear();
+    screen.txtAP_FileStart.Text = "0";
+    bench.files.remove("/job/app.bin");
+    screen.cekReloadFile.Value = 1;
+    bench.click_stop_in(500);
+    comDownload(bench.frm, 0);
+    ASSERT_FALSE(bench.boxes().empty());
+    EXPECT_EQ(bench.boxes()[0].text, "Can not find the file./找不到文件");
+}
+
 TEST(Download, ProgramsNothingWhenTheReloadedFileIsRefused) {
     SessionBench bench({.model = "VKM47H58RK+"});
     bench.files.add("/job/app.hex", std::string_view(":0100000055AA\r\n:00000001FF\r\n"));
