@@ -305,6 +305,8 @@ TEST(FileWatch, DownloadsNothingThatTheOperatorRefused) {
     EXPECT_TRUE(bench.dialogs.yes_no.empty());  // the question came
     EXPECT_FALSE(bench.frm.images.File_Loaded);
     EXPECT_EQ(bench.port.opens, 0);
+    // Three bad lines and the question; nobody says that a file is missing.
+    EXPECT_EQ(bench.boxes().size(), 4u);
 }
 
 TEST(FileWatch, WaitsInSilenceForAFileThatCantBeOpenedYet) {

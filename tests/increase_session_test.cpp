@@ -134,6 +134,53 @@ TEST(NumberedDownload, ProgramsANumberThatLiesOutsideTheFile) {
     EXPECT_EQ(bench.flash_at(0x3FC, 4), (Bytes{0x12, 0x34, 0x56, 0x78}));
 }
 
+// A number that no job sends: of the data without a data file, and of the program
+// behind its area when a data file comes in between.
+TEST(NumberedDownload, TellsOfANumberThatIsNotSent) {
+    struct {
+        const char* model;
+        bool of_program;
+        const char* address;
+        std::size_t data;  // bytes of the data file; 0: none
+        const char* line;
+        const char* line_in_english;
+    } const jobs[] = {
+        {"VKM26H5404", false, "3F", 0, "The data's number was not sent. / 数据文件的编号未下载。",
+         "The data's number was not sent."},
+        {"VKM47H58RK+", false, "3F", 0, "The data's number was not sent. / 数据文件的编号未下载。",
+         "The data's number was not sent."},
+        {"VKM26H5404", false, "3F", 64, "", ""},
+        {"VKM26H5404", true, "1000", 64,
+         "The program's number was not sent. / 程序文件的编号未下载。",
+         "The program's number was not sent."},
+        {"VKM26H5404", true, "FFF", 64, "", ""},
+        {"VKM26H5404", true, "1000", 0, "", ""},
+    };
+    for (const auto& job : jobs)
+        for (const bool english : {false, true}) {
+            SCOPED_TRACE(std::string(job.model) + " " + job.address + " " +
+                         std::to_string(job.data));
+            NumberBench bench({.model = job.model});
+            bench.frm.screen.Show_English = english;
+            ASSERT_TRUE(bench.select_model(job.model));
+            bench.load(0x300);
+            if (job.data > 0) bench.load_data_bytes(random_bytes(job.data, 7));
+            bench.type(job.of_program, job.address, "3", "123456");
+            bench.tick(job.of_program);
+            comDownload(bench.frm, 0);
+            ASSERT_EQ(bench.frm.session.Result, Job_Result::done) << bench.story();
+            const std::string line = english ? job.line_in_english : job.line;
+            const std::string number = "number was not sent";
+            EXPECT_EQ(bench.log_has(number), !line.empty()) << bench.story();
+            EXPECT_TRUE(line.empty() || bench.log().ends_with("\r\n" + line)) << bench.story();
+            const std::size_t start =
+                job.of_program ? 0
+                               : static_cast<std::size_t>(bench.frm.catalogue.MCU_Info.Data_Start);
+            const std::size_t at = start + std::stoul(job.address, nullptr, 16) - 2;
+            EXPECT_EQ(bench.flash_at(at, 3) == (Bytes{0x12, 0x34, 0x56}), line.empty());
+        }
+}
+
 TEST(NumberedDownload, PatchesAnewWhatWasTouchedSinceTheLastOne) {
     for (const bool of_program : {true, false}) {
         SCOPED_TRACE(of_program);

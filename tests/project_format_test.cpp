@@ -10,25 +10,25 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 
 TEST(ProjectText, WithoutADataImageEndsWithTheLastDigit) {
-    EXPECT_EQ(project_text({{"A", "1"}, {"B", ""}}, Bytes{0x02, 0xFF, 0x0C}, std::nullopt),
+    EXPECT_EQ(text_of_project({{"A", "1"}, {"B", ""}}, Bytes{0x02, 0xFF, 0x0C}, std::nullopt),
               "VER: 1.1\r\nA: 1\r\nB: \r\nbuffer_check_sum: 269\r\nEND\r\n02FF0C");
 }
 
 TEST(ProjectText, WithADataImageHasItsSectionBehindTheProgram) {
     const Bytes data = {0xA5, 0x00};
-    EXPECT_EQ(project_text({}, Bytes{0x01}, std::span<const std::uint8_t>(data)),
+    EXPECT_EQ(text_of_project({}, Bytes{0x01}, std::span<const std::uint8_t>(data)),
               "VER: 1.1\r\nbuffer_check_sum: 1\r\nEND\r\n01\r\n"
               "Data_File_Begin:\r\ndata_buffer_check_sum: 165\r\nA500\r\nData_File_End\r\n");
 }
 
 TEST(ProjectText, OfAnEmptyDataImageHasAnEmptyLineOfDigits) {
-    EXPECT_EQ(project_text({}, Bytes{0x01}, std::span<const std::uint8_t>{}),
+    EXPECT_EQ(text_of_project({}, Bytes{0x01}, std::span<const std::uint8_t>{}),
               "VER: 1.1\r\nbuffer_check_sum: 1\r\nEND\r\n01\r\n"
               "Data_File_Begin:\r\ndata_buffer_check_sum: 0\r\n\r\nData_File_End\r\n");
 }
 
 TEST(ProjectText, SumsTheWholeProgramInDecimal) {
-    const std::string text = project_text({}, Bytes(0x12001, 0xFF), std::nullopt);
+    const std::string text = text_of_project({}, Bytes(0x12001, 0xFF), std::nullopt);
     EXPECT_NE(text.find("buffer_check_sum: 18800895\r\n"), std::string::npos);
 }
 

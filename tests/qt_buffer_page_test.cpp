@@ -300,7 +300,7 @@ TEST_F(QtBufferPageTest, OnlyTheLeftButtonSelectsADigit) {
     }
 }
 
-// ---- the wheel
+// ---- the wheel ---------------------------------------------------------------
 // -----------------------------------------------------------------------------------
 
 TEST_F(QtBufferPageTest, ANotchOfTheWheelIsThreeRowsOverThePageAndOverItsBar) {

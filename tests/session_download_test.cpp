@@ -260,7 +260,7 @@ TEST(Download, ReadsTheLoadedFileAgainBehindOneWhoseStartAddressWasRefused) {
 }
 
 TEST(Download, TellsThatTheLoadedFileHasGoneThoughARefusedOneIsThere) {
-    SessionBench bench({.powered_at = sim::never});
+    SessionBench bench;
     Screen& screen = bench.frm.screen;
     bench.files.add("/job/app.bin", random_bytes(900, 5));
     bench.files.add("/job/other.bin", random_bytes(900, 6));
@@ -273,10 +273,15 @@ TEST(Download, TellsThatTheLoadedFileHasGoneThoughARefusedOneIsThere) {
     screen.txtAP_FileStart.Text = "0";
     bench.files.remove("/job/app.bin");
     screen.cekReloadFile.Value = 1;
-    bench.click_stop_in(500);
+    const auto image = bench.frm.images.AP_Buffer.Bytes;
     comDownload(bench.frm, 0);
-    ASSERT_FALSE(bench.boxes().empty());
+    ASSERT_EQ(bench.boxes().size(), 1u);
     EXPECT_EQ(bench.boxes()[0].text, "Can not find the file./找不到文件");
+    // Nothing takes its place: neither an empty image nor the one of before is sent.
+    EXPECT_EQ(bench.chip.counters().erases, 0);
+    EXPECT_EQ(bench.port.opens, 0);
+    EXPECT_EQ(bench.frm.images.AP_Buffer.Bytes, image);
+    EXPECT_TRUE(bench.frm.images.File_Loaded);
 }
 
 TEST(Download, ProgramsNothingWhenTheReloadedFileIsRefused) {

@@ -85,15 +85,17 @@ std::string Choose_File(frmMain& frm, std::string_view kind) {
     return path;
 }
 
-void Check_Last_File(frmMain& frm) {
+bool Check_Last_File(frmMain& frm) {
     // A file that was chosen and refused is remembered, but isn't the one to be read.
     const std::string& loaded = frm.images.Program_File;
     const std::string path =
         loaded.empty() ? frm.platform.settings.get(settings_section, path_key, "") : loaded;
-    if (frm.platform.files.exists(path))
-        frm.screen.Frame7.Caption = std::string(image_text::program_caption) + path;
-    else
+    if (!frm.platform.files.exists(path)) {
         frm.platform.dialogs.show_text(chosen_text(frm.screen, image_text::file_gone));
+        return false;
+    }
+    frm.screen.Frame7.Caption = std::string(image_text::program_caption) + path;
+    return true;
 }
 
 void comLoadFile(frmMain& frm) {

@@ -34,16 +34,16 @@ void Reset_Buffer(frmMain& frm, std::uint8_t value, Image_Buffer& buffer);
 // The open dialog; kind "AP" or "DATA". Empty when the operator cancels.
 std::string Choose_File(frmMain& frm, std::string_view kind);
 
-// Tells the operator when the program file that was loaded, or else the remembered one,
-// has gone.
-void Check_Last_File(frmMain& frm);
+// True while the program file that was loaded, or else the remembered one, is there.
+// Otherwise the operator has been told.
+bool Check_Last_File(frmMain& frm);
 
 // Start_Add and Clear_First from the screen.
 void Read_Buffer_Options(frmMain& frm, Image_Buffer& buffer);
 
-// The driver of every load. An empty path does nothing. True when the file was read to
-// its end: false for an empty path, a start address out of range, and for a load that
-// another one overtook.
+// The driver of every load. An empty path does nothing. True when the file is in the
+// image now: false for an empty path, a start address out of range, a file that the
+// operator refused, and for a load that another one overtook.
 bool Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer);
 
 // Fits the scroll bar to the image and redraws the page.

@@ -62,7 +62,7 @@ bool Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
         tell_start_out_of_range(frm, buffer);
         return false;
     }
-    ++buffer.Load_Number;
+    const std::uint32_t number = ++buffer.Load_Number;
     if (is_program_image(buffer)) {
         frm.images.Program_File = path;
         frm.images.Program_Spoilt = false;
@@ -76,7 +76,8 @@ bool Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
     Read_Auto_Increase(frm);
     Refresh_Buffer_View(frm, buffer, view_of_buffer(frm, buffer).set);
     buffer.Has_File = true;
-    return true;
+    // A file that was refused has reset its image.
+    return buffer.Load_Number == number;
 }
 
 }  // namespace vkm

@@ -60,7 +60,7 @@ std::int16_t family_of(std::string_view model) {
 Project_Rows converted(frmMain& frm, const Project_Rows& rows) {
     if (!is_old_project(rows)) return rows;
     Project_Rows present = present_rows(rows, family_of(value_of(rows, old_model_key)));
-    tell(frm, project_text_of::old_version);
+    tell(frm, project_text::old_version);
     return present;
 }
 
@@ -72,7 +72,7 @@ bool choose_model(frmMain& frm, std::string_view model) {
     if (!Apply_Model(frm).empty()) return true;
     frm.catalogue = before;
     device = device_before;
-    tell(frm, std::string(project_text_of::model_not_found) + std::string(model));
+    tell(frm, std::string(project_text::model_not_found) + std::string(model));
     return false;
 }
 
@@ -94,7 +94,7 @@ bool take_program(frmMain& frm, const Project_Rows& rows, const Image_Line& line
     if (!line.is_whole(leading_integer(value_of(rows, project_key::buffer_sum)))) {
         frm.images.Program_Spoilt = true;
         Redraw_Page(frm, buffer);
-        tell(frm, project_text_of::program_sum_wrong);
+        tell(frm, project_text::program_sum_wrong);
         return false;
     }
     take_range(buffer, line);
@@ -112,7 +112,7 @@ bool take_data(frmMain& frm, const Project_Rows& rows, const Project_Content& co
     if (!content.data.ended() || !content.data.is_whole(content.data_sum)) {
         // Its name and sum must not stand there as if it were loaded.
         Reset_Buffer(frm, 0, frm.images.Data_Buffer);
-        tell(frm, project_text_of::data_sum_wrong);
+        tell(frm, project_text::data_sum_wrong);
         return false;
     }
     Image_Buffer& buffer = frm.images.Data_Buffer;
@@ -128,11 +128,11 @@ std::string next_value_line(frmMain& frm, const Auto_Increase_Set& set, std::str
     const NumberPlace place = place_of(frm, set);
     if (place.enable.Value == 0) return {};
     return "\r\n\r\n" + std::string(caption) + set.Next_Value +
-           std::string(project_text_of::last_saved_value) + last_saved_number(frm, set);
+           std::string(project_text::last_saved_value) + last_saved_number(frm, set);
 }
 
 void remind_of_next_value(frmMain& frm) {
-    using namespace project_text_of;
+    using namespace project_text;
     Read_Auto_Increase(frm);
     const std::string lines =
         next_value_line(frm, frm.increase.Auto_Increase, program_next_value) +
@@ -173,8 +173,8 @@ void Open_Project(frmMain& frm, const std::string& path) {
 
 void comOpenBatchFile(frmMain& frm) {
     const std::string path =
-        frm.platform.dialogs.ask_file_to_open({.title = project_text_of::open_title,
-                                               .filter = project_text_of::filter,
+        frm.platform.dialogs.ask_file_to_open({.title = project_text::open_title,
+                                               .filter = project_text::filter,
                                                .folder = project_folder(frm),
                                                .name = {}});
     frm.screen.texBatchFileName.Text = path;
@@ -185,7 +185,7 @@ void comOpenBatchFile(frmMain& frm) {
 }
 
 void Command1(frmMain& frm) {
-    frm.platform.dialogs.show_text(project_text_of::help, project_text_of::help_title);
+    frm.platform.dialogs.show_text(project_text::help, project_text::help_title);
 }
 
 }  // namespace vkm

@@ -27,8 +27,8 @@ void append_hexadecimal(std::string& text, std::span<const std::uint8_t> bytes) 
 
 }  // namespace
 
-std::string project_text(const Project_Rows& items, std::span<const std::uint8_t> program,
-                         std::optional<std::span<const std::uint8_t>> data) {
+std::string text_of_project(const Project_Rows& items, std::span<const std::uint8_t> program,
+                            std::optional<std::span<const std::uint8_t>> data) {
     std::string text = line(project_key::version, project_version);
     for (const Project_Row& item : items) text += line(item.key, item.value);
     text += line(project_key::buffer_sum, std::to_string(byte_sum(program)));

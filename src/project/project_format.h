@@ -44,8 +44,8 @@ inline constexpr std::string_view data_begin = "Data_File_Begin:";
 inline constexpr std::string_view data_end = "Data_File_End";
 
 // The whole file. `items` are the rows between the version and the program's sum.
-std::string project_text(const Project_Rows& items, std::span<const std::uint8_t> program,
-                         std::optional<std::span<const std::uint8_t>> data);
+std::string text_of_project(const Project_Rows& items, std::span<const std::uint8_t> program,
+                            std::optional<std::span<const std::uint8_t>> data);
 
 // A header line as a row: what stands left of its first colon, and what stands right
 // of it without blanks at its ends. Nothing for a line without a colon.

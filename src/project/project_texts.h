@@ -5,7 +5,7 @@
 
 #include "screen/message_text.h"
 
-namespace vkm::project_text_of {
+namespace vkm::project_text {
 
 inline constexpr std::string_view save_title = "保存工程文件 *.VKM";
 inline constexpr std::string_view open_title = "打开工程文件 *.VKM";
@@ -52,4 +52,4 @@ inline constexpr std::string_view help =
     "6. 校验和错说明文件已损坏, 不能下载, 请用备份或重新保存。\r\n"
     "    A wrong checksum means a damaged file: take a copy, or save the project again.";
 
-}  // namespace vkm::project_text_of
+}  // namespace vkm::project_text

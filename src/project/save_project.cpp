@@ -26,7 +26,7 @@ Project_Rows in_code_page(const CodePage& code_page, Project_Rows rows) {
 
 bool save(frmMain& frm, const std::string& path) {
     const Image_Buffer& data = frm.images.Data_Buffer;
-    const std::string text = project_text(
+    const std::string text = text_of_project(
         in_code_page(frm.platform.code_page, project_items(frm)), saved_bytes(frm.images.AP_Buffer),
         data.Has_File ? std::optional(saved_bytes(data)) : std::nullopt);
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
@@ -36,7 +36,7 @@ bool save(frmMain& frm, const std::string& path) {
 }  // namespace
 
 void comSaveBatchFile(frmMain& frm) {
-    using namespace project_text_of;
+    using namespace project_text;
     if (!frm.images.File_Loaded) {
         frm.platform.dialogs.show_text(chosen_text(frm.screen, no_file));
         return;

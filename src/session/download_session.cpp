@@ -41,11 +41,11 @@ bool has_file(frmMain& frm) {
 }
 
 // Only the program file is read again, also when a data file was chosen after
-// it; what a project brought along stays. False when the operator then refused the
-// file.
+// it; what a project brought along stays. False when the file has gone, whose place
+// nothing must take, and when the operator refused it.
 bool reload_file(frmMain& frm) {
     if (frm.screen.cekReloadFile.Value == 0 || frm.images.Program_File.empty()) return true;
-    Check_Last_File(frm);
+    if (!Check_Last_File(frm)) return false;
     const std::string path = frm.images.Program_File;
     Load_File(frm, path, frm.images.AP_Buffer);
     keep_keyboard(frm);
@@ -138,6 +138,22 @@ bool write_options(frmMain& frm) {
     return false;
 }
 
+// What was prepared for the chip and isn't in it: no silent half job.
+void report_unsent(frmMain& frm) {
+    using namespace session_text;
+    const MCU_Record& model = frm.catalogue.MCU_Info;
+    const Image_Buffer& data = frm.images.Data_Buffer;
+    const IncreaseState& increase = frm.increase;
+    const Data_File_Sent sent = data_file_sent(model, data, frm.catalogue.Block_Size);
+    if (sent == Data_File_Sent::no) append_message(frm.screen, data_file_not_sent);
+    if (sent == Data_File_Sent::in_part) append_message(frm.screen, data_file_cut);
+    if (increase.Auto_Increase.Active &&
+        !program_number_sent(model, data, increase.Auto_Increase.Address))
+        append_message(frm.screen, program_number_not_sent);
+    if (increase.Data_Auto_Increase.Active && !data_number_sent(model, data))
+        append_message(frm.screen, data_number_not_sent);
+}
+
 void report_success(frmMain& frm) {
     using namespace session_text;
     Screen& screen = frm.screen;
@@ -156,17 +172,7 @@ void report_success(frmMain& frm) {
         append_message(screen, std::string(program_times) + length);
     }
     append_message(screen, encrypted);
-    switch (
-        data_file_sent(frm.catalogue.MCU_Info, frm.images.Data_Buffer, frm.catalogue.Block_Size)) {
-        case Data_File_Sent::no:
-            append_message(screen, data_file_not_sent);
-            break;
-        case Data_File_Sent::in_part:
-            append_message(screen, data_file_cut);
-            break;
-        case Data_File_Sent::whole:
-            break;
-    }
+    report_unsent(frm);
 }
 
 void finish_chip(frmMain& frm) {

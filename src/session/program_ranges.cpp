@@ -119,6 +119,15 @@ Data_File_Sent data_file_sent(const MCU_Record& MCU_Info, const Image_Buffer& Da
                                                               : Data_File_Sent::whole;
 }
 
+bool data_number_sent(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer) {
+    return joins_data_file(MCU_Info, Data_Buffer) && joined_with_data(Data_Buffer);
+}
+
+bool program_number_sent(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer,
+                         std::int32_t Address) {
+    return !data_number_sent(MCU_Info, Data_Buffer) || Address <= MCU_Info.AP_End;
+}
+
 std::optional<std::int16_t> firmware_size(double version) {
     const double number = version * 10 + 0.5;
     if (number < 0 || number >= static_cast<double>(firmware_sizes.size())) return std::nullopt;

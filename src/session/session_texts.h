@@ -28,6 +28,11 @@ inline constexpr MessageText data_file_not_sent = {
 inline constexpr MessageText data_file_cut = {
     "The data file was not wholly sent.",
     "The data file was not wholly sent. / 数据文件未全部下载。"};
+inline constexpr MessageText program_number_not_sent = {
+    "The program's number was not sent.",
+    "The program's number was not sent. / 程序文件的编号未下载。"};
+inline constexpr MessageText data_number_not_sent = {
+    "The data's number was not sent.", "The data's number was not sent. / 数据文件的编号未下载。"};
 inline constexpr MessageText count_not_saved = {
     "The counter and the next number can not be saved!",
     "The counter and the next number can not be saved! / 计数和下一个值无法保存!"};

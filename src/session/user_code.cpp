@@ -124,8 +124,7 @@ bool notice_change(frmMain& frm) {
 // True when the changed file is in the image now.
 bool reload_changed_file(frmMain& frm) {
     const Session_Lease lease(frm);
-    if (!lease.granted() || !notice_change(frm)) return false;
-    Check_Last_File(frm);
+    if (!lease.granted() || !notice_change(frm) || !Check_Last_File(frm)) return false;
     const std::string path = frm.images.Program_File;
     const bool loaded = Load_File(frm, path, frm.images.AP_Buffer);
     keep_keyboard(frm);

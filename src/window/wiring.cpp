@@ -139,7 +139,7 @@ constexpr Wire wire_table[] = {
     // Projects
     {"comOpenBatchFile",         Click,   run_between_jobs<comOpenBatchFile>},
     {"comSaveBatchFile",         Click,   run_between_jobs<comSaveBatchFile>},
-    {"Command1",                 Click,   run_and_hold_jobs<Command1>},
+    {"Command1",                 Click,   run_between_jobs<Command1>},
     // User code
     {"comSendUserCode",          Click,   run<comSendUserCode>},
     // Save File

@@ -165,7 +165,7 @@ void check_data(FuzzWorld& world, const Told& told) {
 
 // What the operator is told, in its order; true when the whole project is there.
 bool check_boxes(FuzzWorld& world, const Told& told, const Before& before) {
-    using namespace project_text_of;
+    using namespace project_text;
     const std::vector<test::Box>& boxes = world.boxes();
     std::size_t at = 0;
     const auto is_next = [&](std::string_view text) {

@@ -264,8 +264,7 @@ def _(bench):
     robot = bench.robot_with(chip, "VKM47H58RK+")
     robot.choose("TabStrip2", key="Batch_quantity")
     robot.click("comSaveBatchFile")
-    robot.wait("comSaveBatchFile", "Enabled", equals=True)
-    expect_equal([box["text"] for box in robot.boxes()],
+    expect_equal([box["text"] for box in wait_for_box(robot)],
                  ["    Please open file./请打开应用文件。    "], "boxes without a file")
     robot.shot("project-free")
     robot.load_bytes(bench.folder, content)
@@ -299,8 +298,7 @@ def _(bench):
     expect(STOPPED in robot.log(), robot.log())
     expect_locked(robot)
     robot.click("Command1")
-    robot.wait("Command1", "Enabled", equals=True)
-    expect_equal(robot.boxes()[-1]["title"], "VKM 工程文件使用说明", "help")
+    expect_equal(wait_for_box(robot, 2)[-1]["title"], "VKM 工程文件使用说明", "help")
 
 
 def header(model, extra=(), content=b"\x02\x00\x03\x80\xfe"):
@@ -478,7 +476,20 @@ def tick_watch(robot, *names):
     robot.choose("TabStrip1", key="user_code")
     for name in names:
         robot.check(name)
-    time.sleep(1.3)  # the file is known to the watch from its next look on
+    # The watch knows the file from its next look on.
+    deadline = time.monotonic() + 20
+    while not robot.value("Watched_File"):
+        expect(time.monotonic() < deadline, "the watch doesn't look at the file")
+        time.sleep(0.05)
+
+
+def wait_for_box(robot, count=1):
+    """The boxes, once there are that many."""
+    deadline = time.monotonic() + 20
+    while len(robot.boxes()) < count:
+        expect(time.monotonic() < deadline, f"boxes: {robot.boxes()}")
+        time.sleep(0.05)
+    return robot.boxes()
 
 
 @scenario("a changed file is programmed by itself")
@@ -543,8 +554,7 @@ def _(bench):
     robot = bench.robot(ports={1: bench.folder / "no-such-port"})
     robot.choose("TabStrip1", key="user_code")
     robot.click("comSendUserCode")
-    robot.wait("comSendUserCode", "Enabled", equals=True)
-    expect_equal([box["text"] for box in robot.boxes()], ["Please open file./请打开文件。"], "boxes")
+    expect_equal([box["text"] for box in wait_for_box(robot)], ["Please open file./请打开文件。"], "boxes")
     robot.model("VKM47H58RK+")
     robot.load_bytes(bench.folder, program(100))
     robot.click("comSendUserCode")

@@ -70,6 +70,7 @@ const Values& values() {
         VALUE("Chip_Bytes", frm.options.Chip_Bytes),
         VALUE("debug_mode", frm.link.debug_mode),
         VALUE("Project_Lock", frm.session.Project_Lock),
+        VALUE("Watched_File", frm.session.Watched_File),
         MODEL(MCU_Family),
         MODEL(MCU_ID),
         MODEL(AP_Start),
