@@ -7,7 +7,7 @@
 namespace vkm::test {
 namespace {
 
-const std::string path = "/work/a.bin";
+const std::string path = "/job/a.bin";
 const Bytes first_version(700, 0x11);
 const Bytes second_version(900, 0x22);
 
@@ -199,13 +199,13 @@ TEST(FileWatch, WaitsInSilenceForAFileThatIsGone) {
 
 TEST(FileWatch, BeginsAnewWithAnotherFile) {
     QuietBench bench;
-    bench.files.add("/work/b.bin", second_version);
+    bench.files.add("/job/b.bin", second_version);
     bench.change(second_version);
-    bench.open_file("/work/b.bin");
+    bench.open_file("/job/b.bin");
     bench.forget_loads();
     bench.run_for(5000);
     EXPECT_EQ(bench.loads(), 0u);
-    bench.files.add("/work/b.bin", Bytes(50, 0x44));
+    bench.files.add("/job/b.bin", Bytes(50, 0x44));
     bench.run_and_stop(4000);
     EXPECT_EQ(bench.loads(), 1u);
     EXPECT_EQ(bench.program(), Bytes(50, 0x44));
@@ -230,12 +230,12 @@ TEST(FileWatch, BeginsAnewWithTheSameFileBehindAProject) {
 
 TEST(FileWatch, WatchesTheProgramFileAlsoBehindADataFile) {
     QuietBench bench;
-    bench.files.add("/work/d.bin", Bytes(40, 0x66));
-    bench.dialogs.choose_file("/work/d.bin");
+    bench.files.add("/job/d.bin", Bytes(40, 0x66));
+    bench.dialogs.choose_file("/job/d.bin");
     bench.click(bench.frm.screen.comLoadDataFile);
     bench.take_texts();
     bench.run_for(3000);
-    bench.files.add("/work/d.bin", Bytes(40, 0x67));
+    bench.files.add("/job/d.bin", Bytes(40, 0x67));
     bench.run_for(3000);
     EXPECT_EQ(bench.loads(), 0u);
     bench.change(second_version);

@@ -18,7 +18,7 @@ namespace vkm::test {
 
 using Bytes = std::vector<std::uint8_t>;
 
-inline const std::string project_path = "/work/job.VKM";
+inline const std::string project_path = "/job/job.VKM";
 
 inline const std::string program_sum_wrong = "应用程序代码校验和错。";
 inline const std::string data_sum_wrong = "数据文件校验和错。";

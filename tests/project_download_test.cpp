@@ -106,8 +106,8 @@ TEST(FileOfAProject, IsNeverReadAgain) {
     for (const bool every_download : {false, true}) {
         ProjectBench bench("VKM47H58RK+", {.model = "VKM47H58RK+"});
         Screen& s = bench.frm.screen;
-        bench.files.add("/work/a.bin", Bytes(900, 0x5A));
-        bench.dialogs.choose_file("/work/a.bin");
+        bench.files.add("/job/a.bin", Bytes(900, 0x5A));
+        bench.dialogs.choose_file("/job/a.bin");
         bench.click(s.comLoadFile);
         bench.take_texts();
         const Bytes program = bytes_without_zero(900, 4);
@@ -115,7 +115,7 @@ TEST(FileOfAProject, IsNeverReadAgain) {
             small_project("VKM47H58RK+", "File_Name: File Buffer: /work/a.bin\r\n", program));
         s.cekReloadFile.Value = every_download ? 1 : 0;
         s.cekReloadFileWhileFileChange.Value = 1;
-        bench.files.add("/work/a.bin", Bytes(900, 0x77));
+        bench.files.add("/job/a.bin", Bytes(900, 0x77));
         bench.run_for(5000);
         EXPECT_EQ(bench.port.opens, 0);
         comDownload(bench.frm, 0);

@@ -128,7 +128,7 @@ TEST_P(ThereAndBack, APanelFieldsAndImagesAreTheSame) {
             EXPECT_EQ(is.Image_High, was.Image_High);
             EXPECT_EQ(is.File_High, was.Image_High);
         }
-        EXPECT_EQ(loader.save("/work/again.VKM"), text);
+        EXPECT_EQ(loader.save("/job/again.VKM"), text);
     }
 }
 
@@ -294,8 +294,8 @@ struct SpoiltBench : ProjectBench {
     }
     void open_data_file() {
         frm.screen.cheClearDataBuffer.Value = 1;
-        files.add("/work/d.bin", Bytes(40, 0x66));
-        dialogs.choose_file("/work/d.bin");
+        files.add("/job/d.bin", Bytes(40, 0x66));
+        dialogs.choose_file("/job/d.bin");
         click(frm.screen.comLoadDataFile);
         EXPECT_EQ(data(), Bytes(40, 0x66));
         take_texts();
@@ -308,20 +308,20 @@ TEST(DamagedProject, OfTheProgramIsNoJobWithADataFileBesideIt) {
     bench.click(bench.frm.screen.comDownload[0]);
     EXPECT_EQ(bench.take_texts(), (Texts{no_file_to_download}));
     EXPECT_EQ(bench.port.opens, 0);
-    EXPECT_EQ(bench.save("/work/again.VKM"), "");
+    EXPECT_EQ(bench.save("/job/again.VKM"), "");
     EXPECT_EQ(bench.take_texts(), (Texts{no_file_to_save}));
 }
 
 TEST(DamagedProject, OfTheProgramIsAJobWithAProgramFileInItsPlace) {
     SpoiltBench bench;
-    bench.files.add("/work/a.bin", Bytes{7, 8, 9});
-    bench.dialogs.choose_file("/work/a.bin");
+    bench.files.add("/job/a.bin", Bytes{7, 8, 9});
+    bench.dialogs.choose_file("/job/a.bin");
     bench.click(bench.frm.screen.comLoadFile);
     EXPECT_TRUE(bench.frm.images.File_Loaded);
     bench.open_data_file();
     EXPECT_TRUE(bench.frm.images.File_Loaded);
     EXPECT_EQ(bench.program(), (Bytes{7, 8, 9}));
-    EXPECT_NE(bench.save("/work/again.VKM"), "");
+    EXPECT_NE(bench.save("/job/again.VKM"), "");
     EXPECT_TRUE(bench.take_texts().empty());
 }
 

@@ -105,7 +105,7 @@ TEST(SavingAProject, WorksWhileTheOptionsAreLocked) {
     ASSERT_TRUE(bench.locked());
     EXPECT_TRUE(bench.frm.screen.comSaveBatchFile.Enabled);
     EXPECT_TRUE(bench.frm.screen.comOpenBatchFile.Enabled);
-    EXPECT_TRUE(ends_with(bench.save("/work/second.VKM"), "END\r\n0102"));
+    EXPECT_TRUE(ends_with(bench.save("/job/second.VKM"), "END\r\n0102"));
     EXPECT_TRUE(bench.locked());
 }
 
@@ -149,7 +149,7 @@ TEST(OpeningAProject, EndsWithACancelledDialog) {
 TEST(OpeningAProject, WorksFromTheButtonsOfTheFilesAndByDropping) {
     const std::string text = small_project("VKM26H5404", "", Bytes{7, 8, 9});
     for (const int way : {0, 1, 2}) {
-        for (const std::string path : {"/work/job.VKM", "/work/job.vkm", "/work/job.Vkm.bak"}) {
+        for (const std::string path : {"/job/job.VKM", "/job/job.vkm", "/job/job.Vkm.bak"}) {
             SCOPED_TRACE(path + std::to_string(way));
             ProjectBench bench;
             bench.files.add(path, text);
@@ -183,11 +183,11 @@ TEST(OpeningAProject, ThatIsRefusedLeavesTheNamesOfTheLoadedFiles) {
         SCOPED_TRACE(way);
         ProjectBench bench("VKM26H5404");
         bench.frm.screen.cheClearDataBuffer.Value = 1;
-        bench.files.add("/work/a.bin", Bytes{1, 2});
-        bench.files.add("/work/d.bin", Bytes{3, 4});
-        bench.dialogs.choose_file("/work/a.bin");
+        bench.files.add("/job/a.bin", Bytes{1, 2});
+        bench.files.add("/job/d.bin", Bytes{3, 4});
+        bench.dialogs.choose_file("/job/a.bin");
         bench.click(bench.frm.screen.comLoadFile);
-        bench.dialogs.choose_file("/work/d.bin");
+        bench.dialogs.choose_file("/job/d.bin");
         bench.click(bench.frm.screen.comLoadDataFile);
         open_from_the_files(bench, way, small_project("X", "File_Name: File Buffer: x\r\n", {}));
         EXPECT_EQ(bench.take_texts().size(), 2u);
@@ -385,8 +385,8 @@ TEST(ProjectLock, OfAFamilyWithoutDataMemoryKeepsItsControlsOff) {
 TEST(ProjectLock, TakesNoDroppedFile) {
     ProjectBench bench;
     bench.open(small_project("VKM26H5404", "", Bytes{1}));
-    bench.files.add("/work/a.bin", Bytes{5, 6});
-    handle_event(bench.frm, {nullptr, EventKind::Drop, 0, "/work/a.bin"});
+    bench.files.add("/job/a.bin", Bytes{5, 6});
+    handle_event(bench.frm, {nullptr, EventKind::Drop, 0, "/job/a.bin"});
     EXPECT_EQ(bench.program(), (Bytes{1}));
 }
 

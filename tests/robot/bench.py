@@ -316,6 +316,20 @@ def hex_file(content, start=0, line=16):
     return ("\r\n".join(out + [":00000001FF"]) + "\r\n").encode()
 
 
+def collection():
+    """A dictionary of scenarios, and the decorator that names a function as one of them."""
+    scenarios = {}
+
+    def scenario(name):
+        def add(function):
+            scenarios[name] = function
+            return function
+
+        return add
+
+    return scenarios, scenario
+
+
 def _run(name, scenario):
     """What went wrong, or nothing."""
     began = time.monotonic()

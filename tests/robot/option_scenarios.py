@@ -3,7 +3,7 @@ chip, and read back."""
 
 import time
 
-from bench import expect, expect_equal, program
+from bench import collection, expect, expect_equal, program
 from expectations import PROGRAM_OK, expect_at_rest, expect_done
 
 OPTIONS_OK = "Config option OK. / 设置选项成功。"
@@ -12,15 +12,7 @@ DOUBLE_SPEED_DONE = "Lock Chip, set 6 Clock OK/双倍速成功 (End: "
 ADVICE = "Connection is failure. You can try:"
 CONTENT = program(300)
 
-scenarios = {}
-
-
-def scenario(name):
-    def add(function):
-        scenarios[name] = function
-        return function
-
-    return add
+scenarios, scenario = collection()
 
 
 class Choice:

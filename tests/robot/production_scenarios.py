@@ -5,21 +5,13 @@ import random
 import re
 import time
 
-from bench import expect, expect_equal, program
+from bench import collection, expect, expect_equal, program
 from expectations import PROGRAM_OK, STOPPED, expect_at_rest, expect_done
 
 KEEP_COUNTING = "若要修改“下一个值(10进制)”，请先点击“允许修改参数和选项”按钮。"
 FORMATS = ("hexadecimal", "packed", "ascii")
 
-scenarios = {}
-
-
-def scenario(name):
-    def add(function):
-        scenarios[name] = function
-        return function
-
-    return add
+scenarios, scenario = collection()
 
 
 # ---- numbers ---------------------------------------------------------------

@@ -18,7 +18,8 @@ import time
 
 import option_scenarios
 import production_scenarios
-from bench import BUILD, Failed, expect, expect_equal, hex_file, program, run_scenarios
+from bench import (BUILD, Failed, collection, expect, expect_equal, hex_file, program,
+                   run_scenarios)
 from expectations import PROGRAM_OK, STOPPED, expect_at_rest, expect_done
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
@@ -39,15 +40,7 @@ GROUPS = [
 CLOCKS = ["4M", "11.0592M", "12M", "24M", "33M"]
 BAUDS = [115200, 57600, 38400, 28800, 19200, 14400, 12800, 11520, 9600, 4800, 2400, 1200]
 
-scenarios = {}
-
-
-def scenario(name):
-    def add(function):
-        scenarios[name] = function
-        return function
-
-    return add
+scenarios, scenario = collection()
 
 
 # ---- downloads ---------------------------------------------------------------
