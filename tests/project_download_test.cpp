@@ -112,7 +112,7 @@ TEST(FileOfAProject, IsNeverReadAgain) {
         bench.take_texts();
         const Bytes program = bytes_without_zero(900, 4);
         bench.open(
-            small_project("VKM47H58RK+", "File_Name: File Buffer: /work/a.bin\r\n", program));
+            small_project("VKM47H58RK+", "File_Name: File Buffer: /job/a.bin\r\n", program));
         s.cekReloadFile.Value = every_download ? 1 : 0;
         s.cekReloadFileWhileFileChange.Value = 1;
         bench.files.add("/job/a.bin", Bytes(900, 0x77));

@@ -191,8 +191,8 @@ TEST(OpeningAProject, ThatIsRefusedLeavesTheNamesOfTheLoadedFiles) {
         bench.click(bench.frm.screen.comLoadDataFile);
         open_from_the_files(bench, way, small_project("X", "File_Name: File Buffer: x\r\n", {}));
         EXPECT_EQ(bench.take_texts().size(), 2u);
-        EXPECT_EQ(bench.frm.screen.Frame7.Caption, "File Buffer: /work/a.bin");
-        EXPECT_EQ(bench.frm.screen.frmDataFlash.Caption, "Data File: /work/d.bin");
+        EXPECT_EQ(bench.frm.screen.Frame7.Caption, "File Buffer: /job/a.bin");
+        EXPECT_EQ(bench.frm.screen.frmDataFlash.Caption, "Data File: /job/d.bin");
         EXPECT_EQ(bench.program(), (Bytes{1, 2}));
         EXPECT_EQ(bench.data(), (Bytes{3, 4}));
     }
