@@ -362,8 +362,15 @@ TEST(FileWatch, WithBothTicksDownloadsOnceMoreBehindAFailure) {
     bench.want_download();
     bench.settle();
     bench.change(second_version);
+    int failures = 0;
+    const std::function<void()> watch = [&] {
+        if (bench.frm.session.Result == Job_Result::failed) ++failures;
+        bench.at(20, watch);
+    };
+    bench.at(20, watch);
     bench.at(60'000, [&] {
         EXPECT_EQ(bench.frm.session.UI_State, 1) << bench.story();
+        EXPECT_GT(failures, 0);  // the first one has ended, and this is the second
         comStop_Download(bench.frm);
     });
     bench.run_for(61'000);

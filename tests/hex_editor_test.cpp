@@ -588,6 +588,9 @@ TEST(EditQuestion, BehindWhichThePageHasChangedChangesNothing) {
         ASSERT_FALSE(bytes.empty());
         EXPECT_EQ(world.view().Text, text);
         EXPECT_TRUE(world.program().Bytes == bytes);
+        // The answer holds no longer than one behind an edit.
+        world.run_for(20'100);
+        EXPECT_FALSE(world.frm.images.Buffer_Edit_OK);
     }
 }
 

@@ -155,6 +155,9 @@ TEST(NumberedDownload, TellsOfANumberThatIsNotSent) {
          "The program's number was not sent."},
         {"VKM26H5404", true, "FFF", 64, "", ""},
         {"VKM26H5404", true, "1000", 0, "", ""},
+        // Between its program area and its data memory there is a gap.
+        {"VKM26H2052", false, "3F", 64, "The data's number was not sent. / 数据文件的编号未下载。",
+         "The data's number was not sent."},
     };
     for (const auto& job : jobs)
         for (const bool english : {false, true}) {

@@ -90,7 +90,7 @@ struct ProjectBench : SessionBench {
     explicit ProjectBench(std::string_view model = "VKM47H58RK+",
                           const sim::ChipConfig& chip = {.powered_at = sim::never})
         : SessionBench(chip, std::string(model)) {
-        files.add_folder("/work");
+        files.add_folder("/job");
     }
 
     void click(Control& control) { handle_event(frm, {&control, EventKind::Click, 0, {}}); }

@@ -405,6 +405,7 @@ TEST(DamagedProject, OfTheDataNamesNoDataFile) {
         // The program is the whole job.
         EXPECT_EQ(s.Frame7.Caption, "File Buffer: C:\\x.hex");
         EXPECT_EQ(s.txtFileCheckSum.Text, "00AB");
+        EXPECT_EQ(s.txt_length.Text, "2");
         EXPECT_TRUE(bench.locked());
         EXPECT_TRUE(bench.frm.images.File_Loaded);
         bench.click_stop_in(500);

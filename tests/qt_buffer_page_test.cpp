@@ -301,7 +301,6 @@ TEST_F(QtBufferPageTest, OnlyTheLeftButtonSelectsADigit) {
 }
 
 // ---- the wheel ---------------------------------------------------------------
-// -----------------------------------------------------------------------------------
 
 TEST_F(QtBufferPageTest, ANotchOfTheWheelIsThreeRowsOverThePageAndOverItsBar) {
     for (QWidget* on : {page()->viewport(), static_cast<QWidget*>(bar())}) {

@@ -305,6 +305,22 @@ TEST(Download, ProgramsNothingWhenTheReloadedFileIsRefused) {
     EXPECT_EQ(bench.verdict(), "");
 }
 
+TEST(Download, ProgramsNothingWhenTheReloadedFileHasNoPlace) {
+    SessionBench bench({.model = "VKM47H58RK+"});
+    bench.files.add("/job/app.bin", random_bytes(900, 5));
+    bench.dialogs.choose_file("/job/app.bin");
+    comLoadFile(bench.frm);
+    ASSERT_TRUE(bench.frm.images.File_Loaded);
+    bench.dialogs.boxes.clear();
+    bench.frm.screen.txtAP_FileStart.Text = "FFFFF";
+    bench.frm.screen.cekReloadFile.Value = 1;
+    comDownload(bench.frm, 0);
+    ASSERT_EQ(bench.boxes().size(), 1u);
+    EXPECT_NE(bench.boxes()[0].text.find("缓冲区起始地址超出有效空间。"), std::string::npos);
+    EXPECT_EQ(bench.chip.counters().pulses, 0);
+    EXPECT_EQ(bench.frm.session.UI_State, 0);
+}
+
 TEST(Download, PatchesANumberThatWasTouchedAndAdvancesItAfterAGoodChip) {
     SessionBench bench;
     bench.load(100);

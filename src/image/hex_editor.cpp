@@ -54,6 +54,7 @@ bool may_edit(frmMain& frm) {
         return false;
     }
     frm.images.Buffer_Edit_OK = true;
+    restart_timer(frm, frm.timers.Timer11, edit_permission_ms);
     return true;
 }
 

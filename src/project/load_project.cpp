@@ -110,8 +110,10 @@ bool take_data(frmMain& frm, const Project_Rows& rows, const Project_Content& co
     const bool expected = !value_of(rows, project_key::data_file_sum).empty();
     if (!content.has_data && !expected) return true;
     if (!content.data.ended() || !content.data.is_whole(content.data_sum)) {
-        // Its name and sum must not stand there as if it were loaded.
+        // Its name and sum must not stand there as if it were loaded. The length that is
+        // proposed for saving stays the program's.
         Reset_Buffer(frm, 0, frm.images.Data_Buffer);
+        Redraw_Page(frm, frm.images.AP_Buffer);
         tell(frm, project_text::data_sum_wrong);
         return false;
     }

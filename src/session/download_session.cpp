@@ -42,14 +42,14 @@ bool has_file(frmMain& frm) {
 
 // Only the program file is read again, also when a data file was chosen after
 // it; what a project brought along stays. False when the file has gone, whose place
-// nothing must take, and when the operator refused it.
+// nothing must take, and when it was refused, by the operator or by its start address.
 bool reload_file(frmMain& frm) {
     if (frm.screen.cekReloadFile.Value == 0 || frm.images.Program_File.empty()) return true;
     if (!Check_Last_File(frm)) return false;
     const std::string path = frm.images.Program_File;
-    Load_File(frm, path, frm.images.AP_Buffer);
+    const bool loaded = Load_File(frm, path, frm.images.AP_Buffer);
     keep_keyboard(frm);
-    return has_file(frm);
+    return has_file(frm) && loaded;
 }
 
 // A number that the operator touched since the last download is checked and patched now.
@@ -144,13 +144,15 @@ void report_unsent(frmMain& frm) {
     const MCU_Record& model = frm.catalogue.MCU_Info;
     const Image_Buffer& data = frm.images.Data_Buffer;
     const IncreaseState& increase = frm.increase;
-    const Data_File_Sent sent = data_file_sent(model, data, frm.catalogue.Block_Size);
+    const std::int32_t block = frm.catalogue.Block_Size;
+    const Data_File_Sent sent = data_file_sent(model, data, block);
     if (sent == Data_File_Sent::no) append_message(frm.screen, data_file_not_sent);
     if (sent == Data_File_Sent::in_part) append_message(frm.screen, data_file_cut);
     if (increase.Auto_Increase.Active &&
         !program_number_sent(model, data, increase.Auto_Increase.Address))
         append_message(frm.screen, program_number_not_sent);
-    if (increase.Data_Auto_Increase.Active && !data_number_sent(model, data))
+    if (increase.Data_Auto_Increase.Active &&
+        !data_number_sent(model, data, block, increase.Data_Auto_Increase.Address))
         append_message(frm.screen, data_number_not_sent);
 }
 

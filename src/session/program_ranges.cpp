@@ -50,6 +50,16 @@ std::int32_t last_of_joined(const MCU_Record& MCU_Info, const Image_Buffer& Data
     return MCU_Info.AP_End + Data_Buffer.Image_High;
 }
 
+bool data_is_joined(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer) {
+    return joins_data_file(MCU_Info, Data_Buffer) && joined_with_data(Data_Buffer);
+}
+
+// The last address of it that is sent.
+std::int32_t end_of_joined(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer,
+                           std::int32_t Block_Size) {
+    return programmed_end(last_of_joined(MCU_Info, Data_Buffer) + 1, Block_Size);
+}
+
 // Copies bytes 0 to `last` to `place`, as far as both images reach.
 void copy_bytes(const Image_Buffer& from, std::int32_t last, std::vector<std::uint8_t>& to,
                 std::int32_t place) {
@@ -111,21 +121,22 @@ Joined_Image join_images(const MCU_Record& MCU_Info, const Image_Buffer& AP_Buff
 Data_File_Sent data_file_sent(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer,
                               std::int32_t Block_Size) {
     if (!Data_Buffer.Has_File) return Data_File_Sent::whole;
-    if (!joins_data_file(MCU_Info, Data_Buffer) || !joined_with_data(Data_Buffer))
-        return Data_File_Sent::no;
-    const std::int32_t end = programmed_end(last_of_joined(MCU_Info, Data_Buffer) + 1, Block_Size);
+    if (!data_is_joined(MCU_Info, Data_Buffer)) return Data_File_Sent::no;
+    const std::int32_t end = end_of_joined(MCU_Info, Data_Buffer, Block_Size);
     if (MCU_Info.Data_Start > end) return Data_File_Sent::no;
     return MCU_Info.Data_Start + Data_Buffer.Image_High > end ? Data_File_Sent::in_part
                                                               : Data_File_Sent::whole;
 }
 
-bool data_number_sent(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer) {
-    return joins_data_file(MCU_Info, Data_Buffer) && joined_with_data(Data_Buffer);
+bool data_number_sent(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer,
+                      std::int32_t Block_Size, std::int32_t Address) {
+    return data_is_joined(MCU_Info, Data_Buffer) &&
+           MCU_Info.Data_Start + Address <= end_of_joined(MCU_Info, Data_Buffer, Block_Size);
 }
 
 bool program_number_sent(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer,
                          std::int32_t Address) {
-    return !data_number_sent(MCU_Info, Data_Buffer) || Address <= MCU_Info.AP_End;
+    return !data_is_joined(MCU_Info, Data_Buffer) || Address <= MCU_Info.AP_End;
 }
 
 std::optional<std::int16_t> firmware_size(double version) {

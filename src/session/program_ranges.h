@@ -55,10 +55,11 @@ enum class Data_File_Sent { whole, in_part, no };
 Data_File_Sent data_file_sent(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer,
                               std::int32_t Block_Size);
 
-// Whether a number goes into the chip: that of the data image only in a joined image,
-// whose part below the data is the program up to AP_End. Address is that of the
-// number's lowest-order byte.
-bool data_number_sent(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer);
+// Whether a number goes into the chip: that of the data image only in a joined image
+// and as far as that is sent; that of the program, in a joined image, only up to
+// AP_End. Address is that of the number's lowest-order byte, in its own image.
+bool data_number_sent(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer,
+                      std::int32_t Block_Size, std::int32_t Address);
 bool program_number_sent(const MCU_Record& MCU_Info, const Image_Buffer& Data_Buffer,
                          std::int32_t Address);
 

@@ -79,13 +79,6 @@ bool send_user_code(frmMain& frm) {
     return true;
 }
 
-// True when a download was begun behind the code.
-bool send_code_and_download(frmMain& frm) {
-    if (!send_user_code(frm) || frm.link.close_pending) return false;
-    comDownload(frm, 0);
-    return true;
-}
-
 // The ticks that want something done when the file has changed.
 bool send_code_wanted(const frmMain& frm) {
     return frm.screen.cekReloadFileWhileFileChange1.Value != 0;
@@ -154,16 +147,18 @@ std::vector<std::uint8_t> user_code_bytes(std::string_view text) {
 }
 
 void comSendUserCode(frmMain& frm) {
-    send_code_and_download(frm);
+    if (send_user_code(frm) && !frm.link.close_pending) comDownload(frm, 0);
 }
 
 void Timer12_Tick(frmMain& frm) {
     if (!frm.images.File_Loaded || !(send_code_wanted(frm) || download_wanted(frm))) return;
     if (frm.images.Program_File.empty() || !reload_changed_file(frm)) return;
-    // Stop means both.
-    if (send_code_wanted(frm) && send_code_and_download(frm) &&
-        frm.session.Result == Job_Result::stopped)
-        return;
+    if (send_code_wanted(frm)) {
+        frm.session.Result = Job_Result::none;
+        comSendUserCode(frm);
+        // Stop means both.
+        if (frm.session.Result == Job_Result::stopped) return;
+    }
     if (download_wanted(frm)) comDownload(frm, 0);
 }
 

@@ -44,8 +44,8 @@ void run_and_save(frmMain& frm, Event) {
     Settings_Changed(frm);
 }
 
-// What would change the images under a running job does nothing meanwhile, and no
-// job begins while it is at work.
+// What would change the images under a running job, or stand in its way as a box,
+// does nothing meanwhile, and no job begins while it is at work.
 template <void (*operation)(frmMain&)>
 void run_between_jobs(frmMain& frm, Event) {
     const Session_Lease lease(frm);
