@@ -9,12 +9,14 @@ import os
 import pathlib
 import re
 import sys
+import threading
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tests" / "robot"))
 
 import bench  # noqa: E402  (the robot's own bench, found by the line above)
+from terminal import Line  # noqa: E402
 
 MODEL = "VKM47H516RK+"
 CLOCK = "22.1184M"  # divides to every rate of the list without an error
@@ -98,6 +100,64 @@ def waiting(job, seconds):
     chip.kill()
 
 
+def terminal(job, baud, seconds, hexadecimal):
+    """Printable text without a pause, at the pace of a wire; above all rates of the
+    list as fast as the terminal is read."""
+    line = Line(job.folder)
+    job.started.append(line)
+    tool = job.robot(ports={1: line.device})
+    tool.choose("TabStrip2", key="Debug_COM")
+    if hexadecimal:
+        tool.check("optReceiveHex(1)")
+    tool.choose("com_Debug_Baud", text=str(min(baud, 256000)))
+    tool.wait("comOpenCOM", "Caption", equals="关闭串口")
+    content = (b"".join(b"%06d: the line is never silent\r\n" % n for n in range(2000)))
+    content = (content * (baud // 10 * seconds // len(content) + 1))[: baud // 10 * seconds]
+    before = processor_seconds(tool)
+    clicks = Clicks(tool)
+    if baud <= 256000:
+        line.say_at(content, baud)
+    else:
+        line.say(content)
+    slowest = clicks.end()
+    used = processor_seconds(tool) - before
+    time.sleep(1)
+    name = f"terminal, {baud} baud, {'hexadecimal' if hexadecimal else 'text'}"
+    row(f"{name}: bytes of {len(content)} not counted", len(content) - tool.value("Receive_Count"))
+    if not hexadecimal:
+        shown = tool.get("texReceive").encode()[-30000:]
+        row("  of the newest 30000 not shown", 0 if content.endswith(shown) else "some")
+    row("  processor time meanwhile", f"{used / seconds:.1%} of a core")
+    row("  slowest click of an option, answered and drawn", f"{slowest * 1000:.0f} ms")
+    tool.kill()
+    line.kill()
+
+
+class Clicks:
+    """Clicks an option ten times a second, and looks for it as drawn, until end()."""
+
+    def __init__(self, tool):
+        self.tool = tool
+        self.slowest = 0.0
+        self.ended = threading.Event()
+        self.thread = threading.Thread(target=self._run)
+        self.thread.start()
+
+    def _run(self):
+        on = True
+        while not self.ended.wait(0.1):
+            began = time.monotonic()
+            self.tool.check("cheSpreadHex(0)", on)
+            bench.expect(self.tool.get("cheSpreadHex(0)", "Value") == on, "a lost click")
+            self.slowest = max(self.slowest, time.monotonic() - began)
+            on = not on
+
+    def end(self):
+        self.ended.set()
+        self.thread.join()
+        return self.slowest
+
+
 def start_up(job):
     times = []
     for _ in range(5):
@@ -121,6 +181,9 @@ def main():
         start_up(job)
         rates(job, arguments.quick)
         waiting(job, 10 if arguments.quick else 60)
+        for hexadecimal in (False, True):
+            terminal(job, 256000, 10 if arguments.quick else 60, hexadecimal)
+        terminal(job, 3000000, 10, False)
     finally:
         job.close()
 

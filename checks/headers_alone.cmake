@@ -25,7 +25,7 @@ endforeach()
 add_library(headers_alone OBJECT EXCLUDE_FROM_ALL ${sources})
 target_include_directories(headers_alone
   PRIVATE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/tools ${CMAKE_SOURCE_DIR}/tests)
-target_compile_options(headers_alone PRIVATE -Werror)
+target_compile_options(headers_alone PRIVATE -Werror -O0)
 target_link_libraries(headers_alone PRIVATE GTest::gtest)
 if(with_window)
   target_link_libraries(headers_alone PRIVATE Qt6::Widgets Qt6::SerialPort)

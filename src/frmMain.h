@@ -8,10 +8,12 @@
 // them; see waiting/waiting.h.
 #pragma once
 
+#include "assistant/assistant_state.h"
 #include "catalogue/catalogue_state.h"
 #include "image/image_state.h"
 #include "increase/increase_set.h"
 #include "link/link_state.h"
+#include "monitor/monitor_state.h"
 #include "options/options_state.h"
 #include "platform/platform.h"
 #include "platform/timers.h"
@@ -35,6 +37,8 @@ struct frmMain {
     IncreaseState increase;    // numbers counted up
     LinkState link;            // the wire and what the handshake found
     SessionState session;      // the running job
+    MonitorState monitor;      // dumps of a stopped target
+    AssistantState assistant;  // the serial terminal
     WindowState window;        // start-up, closing
 };
 

@@ -18,8 +18,6 @@
 namespace vkm::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 struct Killed {};
 
 constexpr int chips_wanted = 200;

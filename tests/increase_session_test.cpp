@@ -12,8 +12,6 @@
 namespace vkm::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 struct NumberBench : SessionBench {
     explicit NumberBench(sim::ChipConfig config = {.model = "VKM47H58RK+"})
         : SessionBench(std::move(config)) {

@@ -130,7 +130,7 @@ struct OddPort : ForwardingPort {
     }
     void close() override {
         ++close_calls;
-        if (close_calls > stubborn) below_.close();
+        if (close_calls > agentborn) below_.close();
     }
     bool set_settings(std::string_view settings) override {
         return !refuses_settings && below_.set_settings(settings);
@@ -138,7 +138,7 @@ struct OddPort : ForwardingPort {
     int ineffective_opens = 0;
     int open_calls = 0;
     bool refuses_settings = false;
-    int stubborn = 0;  // closes that have no effect
+    int agentborn = 0;  // closes that have no effect
     int close_calls = 0;
 };
 
@@ -159,12 +159,12 @@ TEST(LinkOddPort, CloseTriesThreeTimesAtMost) {
     OddWorld world;
     ASSERT_EQ(open_port(world.frm), 0);
     world.odd.close_calls = 0;
-    world.odd.stubborn = 2;
+    world.odd.agentborn = 2;
     EXPECT_FALSE(close_port(world.frm));
     EXPECT_EQ(world.odd.close_calls, 3);
     ASSERT_EQ(open_port(world.frm), 0);
     world.odd.close_calls = 0;
-    world.odd.stubborn = 99;
+    world.odd.agentborn = 99;
     EXPECT_TRUE(close_port(world.frm));
     EXPECT_EQ(world.odd.close_calls, 3);
 }
@@ -338,7 +338,7 @@ TEST_F(LinkPort, BytesOfTheTerminalGoToItWhole) {
     on_port_event(frm);  // nobody is there yet
     EXPECT_FALSE(link.frame_ok);
     EXPECT_EQ(port.input_count(), 0U);
-    link.Monitor_Bytes = [](frmMain&, const Bytes& bytes) { monitor_bytes = bytes; };
+    link.Assistant_Bytes = [](frmMain&, const Bytes& bytes) { monitor_bytes = bytes; };
     line.input.assign(frame.begin(), frame.end());
     on_port_event(frm);
     EXPECT_EQ(monitor_bytes, frame);

@@ -10,7 +10,6 @@
 
 namespace vkm::test {
 
-using Bytes = std::vector<std::uint8_t>;
 using Frames = std::vector<Bytes>;
 
 // A chip of a firmware letter, and the model that the operator selects for it.

@@ -12,11 +12,9 @@
 #include <vector>
 
 #include "session_bench.h"
-#include "window/wiring.h"
+#include "support/operator_hands.h"
 
 namespace vkm::test {
-
-using Bytes = std::vector<std::uint8_t>;
 
 inline const std::string project_path = "/job/job.VKM";
 
@@ -86,14 +84,12 @@ inline std::string data_section(std::span<const std::uint8_t> data) {
            hexadecimal(data) + "\r\nData_File_End\r\n";
 }
 
-struct ProjectBench : SessionBench {
+struct ProjectBench : SessionBench, OperatorHands {
     explicit ProjectBench(std::string_view model = "VKM47H58RK+",
                           const sim::ChipConfig& chip = {.powered_at = sim::never})
-        : SessionBench(chip, std::string(model)) {
+        : SessionBench(chip, std::string(model)), OperatorHands(frm) {
         files.add_folder("/job");
     }
-
-    void click(Control& control) { handle_event(frm, {&control, EventKind::Click, 0, {}}); }
 
     // The operator saves under that name; what is on the disk then.
     std::string save(const std::string& path = project_path) {

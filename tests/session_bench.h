@@ -16,6 +16,8 @@
 
 namespace vkm::test {
 
+using Bytes = std::vector<std::uint8_t>;
+
 inline std::vector<std::uint8_t> random_bytes(std::size_t count, unsigned seed = 1) {
     std::mt19937 source(seed);
     std::vector<std::uint8_t> bytes(count);

@@ -6,8 +6,6 @@
 namespace vkm::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 // What the operator does when the log holds a text in the pause behind the nth
 // good chip.
 void in_pause(SessionBench& bench, const std::string& count, const std::string& text,

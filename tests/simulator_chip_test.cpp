@@ -182,6 +182,86 @@ TEST(SimulatedChip, LeavesItsRunningProgramOnlyForTheWholeUserCodeAtTheProgramsR
     EXPECT_FALSE(driver.connect().bytes.empty());
 }
 
+TEST(SimulatedChip, GreetsAtEachStartOfItsUserProgramAtTheProgramsRate) {
+    ChipConfig config = chip_of("VKM47H58RK+");
+    config.greeting = {'H', 'i'};
+    config.greeting_baud = 9600;
+    config.greeting_after = 250ms;
+    ChipDriver driver(config);
+    for (int start = 1; start <= 2; ++start) {
+        driver.connect();
+        driver.send(trigger_82, 1200);
+        const sim::Instant started = driver.now;
+        EXPECT_EQ(driver.chip.state(), ChipState::running);
+        const Heard greeting = driver.listen(10s);
+        EXPECT_EQ(greeting.bytes, (Bytes{'H', 'i'}));
+        EXPECT_EQ(greeting.baud, 9600);
+        EXPECT_EQ(greeting.start, started + 250ms);
+        EXPECT_EQ(driver.chip.counters().greetings, start);
+        driver.chip.power_off(driver.now);
+        driver.chip.power_on(driver.now);
+    }
+}
+
+TEST(SimulatedChip, RepeatsItsGreetingUntilItHasNoPowerOrItsFirmwareRuns) {
+    ChipConfig config = chip_of("VKM47H58RK+");
+    config.greeting = {'.'};
+    config.greeting_after = 100ms;
+    config.greeting_every = 50ms;
+    config.user_code = {0x55};
+    ChipDriver driver(config);
+    driver.connect();
+    driver.send(trigger_82, 1200);
+    driver.advance_to(driver.now + 99ms);
+    EXPECT_EQ(driver.chip.counters().greetings, 0);
+    driver.advance_to(driver.now + 110ms);
+    EXPECT_EQ(driver.chip.counters().greetings, 3);
+    driver.send({0x55}, 115200);
+    EXPECT_EQ(driver.chip.state(), ChipState::listening);
+    driver.advance_to(driver.now + 1s);
+    EXPECT_EQ(driver.chip.counters().greetings, 3);
+
+    driver.connect();
+    driver.send(trigger_82, 1200);
+    driver.advance_to(driver.now + 110ms);
+    EXPECT_EQ(driver.chip.counters().greetings, 4);
+    driver.chip.power_off(driver.now);
+    driver.advance_to(driver.now + 1s);
+    EXPECT_EQ(driver.chip.counters().greetings, 4);
+}
+
+TEST(SimulatedChip, SaysNoMoreOfItsGreetingOnceItHasNoPower) {
+    ChipConfig config = chip_of("VKM47H58RK+");
+    config.greeting = Bytes(100, 'g');
+    config.greeting_baud = 1200;
+    ChipDriver driver(config);
+    driver.connect();
+    driver.send(trigger_82, 1200);
+    driver.advance_to(driver.now + 400ms);
+    driver.chip.power_off(driver.now);
+    EXPECT_NEAR(static_cast<double>(driver.listen().bytes.size()), 12, 2);
+}
+
+TEST(SimulatedChip, GreetsToTheEndBeforeItGreetsAgainAndIsSilentOnceItsFirmwareRuns) {
+    ChipConfig config = chip_of("VKM47H58RK+");
+    config.greeting = Bytes(10, 'g');  // 83 ms
+    config.greeting_baud = 1200;
+    config.greeting_after = 0ms;
+    config.greeting_every = 20ms;
+    config.user_code = {0x55};
+    ChipDriver driver(config);
+    driver.connect();
+    driver.send(trigger_82, 1200);
+    driver.advance_to(driver.now + 840ms);
+    EXPECT_NEAR(driver.chip.counters().greetings, 11, 1);
+    driver.send({0x55}, 115200);
+    EXPECT_EQ(driver.chip.state(), ChipState::listening);
+    // What had left the program before, and nothing more.
+    const std::size_t said = driver.listen().bytes.size();
+    EXPECT_LE(said, 103U);
+    EXPECT_GE(said, 100U);
+}
+
 // ---- the status frame -----------------------------------------------------------
 
 struct StatusCase {

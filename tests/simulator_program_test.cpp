@@ -1,13 +1,8 @@
 // The program vkm-chip on a real pseudo-terminal. These tests take real time,
 // some seconds in all, and say so in their names.
-#include <fcntl.h>
+#include "simulator_program.h"
+
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <signal.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <termios.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -20,147 +15,17 @@
 namespace vkm::test {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-// However busy the machine may be.
-constexpr auto patience = 20s;
-
-// A child process with both its ends.
-class Program {
-  public:
-    explicit Program(std::vector<std::string> arguments) {
-        int to_child[2];
-        int from_child[2];
-        EXPECT_EQ(pipe2(to_child, O_CLOEXEC), 0);
-        EXPECT_EQ(pipe2(from_child, O_CLOEXEC), 0);
-        arguments.insert(arguments.begin(), VKM_CHIP_PROGRAM);
-        std::vector<char*> words;
-        for (std::string& word : arguments) words.push_back(word.data());
-        words.push_back(nullptr);
-        pid_ = fork();
-        if (pid_ == 0) {
-            dup2(to_child[0], STDIN_FILENO);
-            dup2(from_child[1], STDOUT_FILENO);
-            execv(words[0], words.data());
-            _exit(127);
-        }
-        close(to_child[0]);
-        close(from_child[1]);
-        commands_ = to_child[1];
-        events_ = from_child[0];
-    }
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
-    ~Program() {
-        if (pid_ > 0) kill(pid_, SIGKILL);
-        if (pid_ > 0) waitpid(pid_, nullptr, 0);
-        close(commands_);
-        close(events_);
-    }
-
-    std::string line() {
-        for (const auto end = Clock::now() + patience; Clock::now() < end;) {
-            const auto newline = text_.find('\n');
-            if (newline != std::string::npos) {
-                const std::string line = text_.substr(0, newline);
-                text_.erase(0, newline + 1);
-                return line;
-            }
-            pollfd ready{events_, POLLIN, 0};
-            if (poll(&ready, 1, 100) <= 0) continue;
-            char chunk[512];
-            const ssize_t count = read(events_, chunk, sizeof chunk);
-            if (count <= 0) break;
-            text_.append(chunk, static_cast<std::size_t>(count));
-        }
-        return "(silence)";
-    }
-
-    // Passes over lines up to one that begins so.
-    std::string line_with(const std::string& beginning) {
-        for (;;) {
-            const std::string text = line();
-            if (text.starts_with(beginning) || text == "(silence)") return text;
-        }
-    }
-
-    void command(const std::string& text) {
-        const std::string line = text + "\n";
-        EXPECT_EQ(write(commands_, line.data(), line.size()), static_cast<ssize_t>(line.size()));
-    }
-    void signal_it(int number) { kill(pid_, number); }
-
-    int wait_for_end(rusage* usage = nullptr) {
-        int status = 0;
-        wait4(pid_, &status, 0, usage);
-        pid_ = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-  private:
-    pid_t pid_ = -1;
-    int commands_ = -1;
-    int events_ = -1;
-    std::string text_;
+struct ChipProgram : Program {
+    explicit ChipProgram(std::vector<std::string> arguments)
+        : Program(VKM_CHIP_PROGRAM, std::move(arguments)) {}
 };
 
-// The host's side of the terminal.
-class Host {
-  public:
-    explicit Host(const std::string& device)
-        : terminal_(open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-        EXPECT_GE(terminal_, 0) << device;
-    }
-    Host(const Host&) = delete;
-    Host& operator=(const Host&) = delete;
-    ~Host() { close(terminal_); }
-
-    void set_rate(speed_t speed) {
-        termios settings{};
-        EXPECT_EQ(tcgetattr(terminal_, &settings), 0);
-        cfsetspeed(&settings, speed);
-        EXPECT_EQ(tcsetattr(terminal_, TCSANOW, &settings), 0);
-    }
-
-    void send(const Bytes& bytes) {
-        EXPECT_EQ(write(terminal_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-    }
-
-    // So many bytes, or what came before the time was up; none when the device is gone.
-    Bytes hear(std::size_t count, std::chrono::milliseconds at_most = patience) {
-        Bytes bytes;
-        for (const auto end = Clock::now() + at_most; bytes.size() < count && Clock::now() < end;) {
-            pollfd ready{terminal_, POLLIN, 0};
-            if (poll(&ready, 1, 10) <= 0) continue;
-            std::uint8_t chunk[512];
-            const ssize_t got = read(terminal_, chunk, sizeof chunk);
-            if (got <= 0) return {};
-            bytes.insert(bytes.end(), chunk, chunk + got);
-        }
-        return bytes;
-    }
-
-    bool gone() {
-        pollfd ready{terminal_, POLLIN, 0};
-        return poll(&ready, 1, 5000) == 1 && (ready.revents & (POLLHUP | POLLERR)) != 0;
-    }
-
-    // A baud frame: sent, given its time on the wire, then the rate is changed.
-    Bytes switch_rate(const Bytes& frame, speed_t speed) {
-        send(frame);
-        std::this_thread::sleep_for(sim::wire_time(frame.size(), 1200) + 5ms);
-        set_rate(speed);
-        return hear(short_ack.size());
-    }
-
-  private:
-    int terminal_;
-};
-
-std::string device_of(Program& program) {
-    const std::string ready = program.line();
-    EXPECT_EQ(ready.substr(0, 6), "ready ");
-    return ready.substr(6);
+// A baud frame: sent, given its time on the wire, then the rate is changed.
+Bytes switch_rate(Host& host, const Bytes& frame, speed_t speed) {
+    host.send(frame);
+    std::this_thread::sleep_for(sim::wire_time(frame.size(), 1200) + 5ms);
+    host.set_rate(speed);
+    return host.hear(short_ack.size());
 }
 
 Bytes file_bytes(const std::string& path) {
@@ -173,7 +38,7 @@ TEST(VkmChipRealTime, DownloadsAtTheRatesThatTheHostSets) {
     const std::string flash = testing::TempDir() + "vkm_chip_flash.bin";
     // The first baud frame may reach the program late on a busy machine, so the
     // answer has to come later still: 80 ms and not 40.
-    Program program({"--link", link, "--save-flash", flash, "--erase-time", "50"});
+    ChipProgram program({"--link", link, "--save-flash", flash, "--erase-time", "50"});
     const std::string device = device_of(program);
     EXPECT_EQ(std::filesystem::read_symlink(link), device);
     const auto data = Bytes(128, 0x5A);
@@ -182,10 +47,10 @@ TEST(VkmChipRealTime, DownloadsAtTheRatesThatTheHostSets) {
         host.set_rate(B1200);
         host.send(Bytes(8, 0x7F));
         EXPECT_EQ(host.hear(30).size(), 30U);
-        EXPECT_EQ(host.switch_rate(short_frame({0x8F, 0xFF, 0xFD, 0, 6, 80, 129}), B115200),
+        EXPECT_EQ(switch_rate(host, short_frame({0x8F, 0xFF, 0xFD, 0, 6, 80, 129}), B115200),
                   short_ack);
         host.set_rate(B1200);
-        EXPECT_EQ(host.switch_rate(short_frame({0x8E, 0xFF, 0xFD, 0, 6, 80}), B115200), short_ack);
+        EXPECT_EQ(switch_rate(host, short_frame({0x8E, 0xFF, 0xFD, 0, 6, 80}), B115200), short_ack);
     }
     Host host(link);  // closed and opened again, which is no hang-up
     const auto before = Clock::now();
@@ -204,6 +69,8 @@ TEST(VkmChipRealTime, DownloadsAtTheRatesThatTheHostSets) {
     ASSERT_EQ(saved.size(), 63488U);
     EXPECT_EQ(saved[1023], 0x5A);
     EXPECT_EQ(saved[1024], 0xFF);
+    program.command("measure");
+    EXPECT_NE(program.line_with("ok bulk_us=").find(" turnarounds=7 "), std::string::npos);
     program.command("quit");
     EXPECT_EQ(program.wait_for_end(), 0);
     EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(link)));
@@ -211,7 +78,7 @@ TEST(VkmChipRealTime, DownloadsAtTheRatesThatTheHostSets) {
 }
 
 TEST(VkmChipRealTime, KeepsThePaceOfTheLine) {
-    Program program({"--turnaround", "0"});
+    ChipProgram program({"--turnaround", "0"});
     Host host(device_of(program));
     host.set_rate(B1200);
     const auto before = Clock::now();
@@ -221,7 +88,7 @@ TEST(VkmChipRealTime, KeepsThePaceOfTheLine) {
 }
 
 TEST(VkmChipRealTime, IsDeafWhereTheHostHasAnotherRate) {
-    Program program({});
+    ChipProgram program({});
     Host host(device_of(program));
     host.set_rate(B9600);
     host.send(Bytes(16, 0x7F));
@@ -233,7 +100,7 @@ TEST(VkmChipRealTime, IsDeafWhereTheHostHasAnotherRate) {
 
 TEST(VkmChipRealTime, PullsItsCableAndPutsItInAgain) {
     const std::string link = testing::TempDir() + "vkm_chip_com2";
-    Program program({"--link", link, "--quiet"});
+    ChipProgram program({"--link", link, "--quiet"});
     Host host(device_of(program));
     program.command("pull");
     EXPECT_EQ(program.line(), "ok");
@@ -248,7 +115,7 @@ TEST(VkmChipRealTime, PullsItsCableAndPutsItInAgain) {
 }
 
 TEST(VkmChipRealTime, SleepsWhileNothingHappens) {
-    Program program({});
+    ChipProgram program({});
     device_of(program);
     std::this_thread::sleep_for(500ms);
     program.command("quit");
@@ -262,16 +129,16 @@ TEST(VkmChipRealTime, SleepsWhileNothingHappens) {
 
 TEST(VkmChipRealTime, EndsInOrderAtASignalAndRefusesWhatItCannotDo) {
     const std::string link = testing::TempDir() + "vkm_chip_com3";
-    Program program({"--link", link});
+    ChipProgram program({"--link", link});
     device_of(program);
     program.signal_it(SIGTERM);
     EXPECT_EQ(program.wait_for_end(), 0);
     EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(link)));
 
-    EXPECT_EQ(Program({"--model", "none"}).wait_for_end(), 2);
-    EXPECT_EQ(Program({"--link", "/"}).wait_for_end(), 1);
-    EXPECT_EQ(Program({"--load-flash", "/no/such/file"}).wait_for_end(), 1);
-    Program help({"--help"});
+    EXPECT_EQ(ChipProgram({"--model", "none"}).wait_for_end(), 2);
+    EXPECT_EQ(ChipProgram({"--link", "/"}).wait_for_end(), 1);
+    EXPECT_EQ(ChipProgram({"--load-flash", "/no/such/file"}).wait_for_end(), 1);
+    ChipProgram help({"--help"});
     EXPECT_NE(help.line_with("vkm-chip"), "(silence)");
     EXPECT_EQ(help.wait_for_end(), 0);
 }

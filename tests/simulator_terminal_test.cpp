@@ -6,12 +6,12 @@
 #include <filesystem>
 #include <fstream>
 
+#include "pseudo_terminal/paced_line.h"
 #include "simulator_driver.h"
 #include "vkm_chip/chip_arguments.h"
 #include "vkm_chip/chip_control.h"
 #include "vkm_chip/chip_reports.h"
 #include "vkm_chip/flash_file.h"
-#include "vkm_chip/paced_line.h"
 
 namespace vkm::test {
 namespace {
@@ -227,7 +227,15 @@ TEST(ChipArguments, MakeTheChip) {
                                           "--id",
                                           "F202",
                                           "--option-busy",
-                                          "-1"});
+                                          "-1",
+                                          "--greeting",
+                                          "Hi\\r\\n",
+                                          "--greeting-baud",
+                                          "9600",
+                                          "--greeting-after",
+                                          "150",
+                                          "--greeting-every",
+                                          "1000"});
     EXPECT_EQ(error, "");
     EXPECT_EQ(arguments.config.model, "VKM26H2052");
     EXPECT_EQ(arguments.config.letter, 'E');
@@ -240,12 +248,16 @@ TEST(ChipArguments, MakeTheChip) {
     EXPECT_FALSE(arguments.config.after_start.fresh_chip);
     EXPECT_EQ(arguments.config.after_start.off_after, 2500ms);
     EXPECT_EQ(arguments.config.erase_time, 20ms);
-    EXPECT_EQ(arguments.link, "/x/y");
+    EXPECT_EQ(arguments.program.link, "/x/y");
     EXPECT_TRUE(arguments.config.short_acks);
     EXPECT_EQ(arguments.config.status_length, 28);
     EXPECT_EQ(arguments.config.feature, 0x83);
     EXPECT_EQ(arguments.config.id.value(), (std::vector<std::uint8_t>{0xF2, 0x02}));
     EXPECT_EQ(arguments.config.option_busy, -1);
+    EXPECT_EQ(arguments.config.greeting, (Bytes{'H', 'i', 0x0D, 0x0A}));
+    EXPECT_EQ(arguments.config.greeting_baud, 9600);
+    EXPECT_EQ(arguments.config.greeting_after, 150ms);
+    EXPECT_EQ(arguments.config.greeting_every, 1000ms);
 }
 
 TEST(ChipArguments, ThatAreOfNoUseAreNamed) {
@@ -269,6 +281,8 @@ TEST(ChipArguments, ThatAreOfNoUseAreNamed) {
                                                                     {"--status-length", "5"},
                                                                     {"--feature", "100"},
                                                                     {"--erase-time", "99999999"},
+                                                                    {"--greeting", "\\q"},
+                                                                    {"--greeting-baud", "0"},
                                                                     {"--link", ""}})
         EXPECT_NE(read({name, value}).error, "") << name << ' ' << value;
 }
@@ -284,11 +298,8 @@ TEST(ChipArguments, AreAllInTheHelp) {
 struct Bench {
     sim::ChipConfig config;
     ChipDriver driver{config};
-    Recorder nobody;
-    sim::PacedLine line{nobody.target()};
-    sim::PseudoTerminal terminal;
     sim::LineMeter meter;
-    sim::ChipBench bench{driver.chip, line, terminal, meter, ""};
+    sim::ChipBench bench{driver.chip, meter};
 
     std::string command(const std::string& text) {
         return sim::carry_out_command(bench, text, driver.now);
@@ -315,8 +326,6 @@ TEST(ChipCommands, SteerPowerChipsAndFaults) {
     EXPECT_EQ(bench.command("no-faults"), "ok");
     EXPECT_FALSE(bench.driver.connect().bytes.empty());
     EXPECT_EQ(bench.command("options"), "ok 1=FD");
-    EXPECT_EQ(bench.command("quit"), "ok");
-    EXPECT_TRUE(bench.bench.quit);
 }
 
 TEST(ChipCommands, ThatAreOfNoUseChangeNothing) {

@@ -114,5 +114,42 @@ TEST(Texts, AreCountedInCharacters) {
     EXPECT_EQ(character_count("下载 OK"), 5u);
 }
 
+TEST(Characters, AreTakenFromEitherEnd) {
+    const struct {
+        const char* text;
+        std::size_t count;
+        const char* first;
+        const char* last;
+    } cases[] = {
+        {"", 0, "", ""},
+        {"", 5, "", ""},
+        {"abc", 0, "", ""},
+        {"abc", 1, "a", "c"},
+        {"abc", 3, "abc", "abc"},
+        {"abc", 9, "abc", "abc"},
+        {"中文字", 1, "中", "字"},
+        {"中文字", 2, "中文", "文字"},
+        {"中文字", 3, "中文字", "中文字"},
+        {"a中b", 2, "a中", "中b"},
+        {"𝄞x𝄞", 1, "𝄞", "𝄞"},
+        {"é中𝄞xé中𝄞", 3, "é中𝄞", "é中𝄞"},
+        {"a\r\nb", 2, "a\r", "\nb"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(first_characters(c.text, c.count), c.first) << c.text << ' ' << c.count;
+        EXPECT_EQ(last_characters(c.text, c.count), c.last) << c.text << ' ' << c.count;
+    }
+}
+
+TEST(Characters, OfBothEndsTogetherAreTheText) {
+    const std::string text = "a中é𝄞\r\n字z";
+    const std::size_t count = character_count(text);
+    EXPECT_EQ(count, 8u);
+    for (std::size_t first = 0; first <= count; ++first)
+        EXPECT_EQ(std::string(first_characters(text, first)) +
+                      std::string(last_characters(text, count - first)),
+                  text);
+}
+
 }  // namespace
 }  // namespace vkm

@@ -17,7 +17,7 @@ struct CatalogueState {
     std::string SoftICE_File;       // trimmed SoftICE_ROM of the selected model
     bool SoftICE_Enable = false;    // it names one
 
-    // A plug of later steps; null is passed over.
+    // A plug; null is passed over.
     void (*Rebuild_Register_List)(frmMain&) = nullptr;  // registers of the target monitor
 };
 

@@ -61,13 +61,13 @@ std::string Apply_Model(frmMain& frm) {
     if (name.empty()) return name;
 
     frm.screen.comDownSoft_ICE.Enabled = catalogue.SoftICE_Enable;
+    run_plug(frm, catalogue.Rebuild_Register_List);  // empty for a family without a table
     Data_Memory_Controls(frm, false);
     if (!has_data_memory(model)) {
         Mark_Absent_Tabs(frm);
         TabStrip1_Click(frm);
     } else {
         Restore_Tab_Captions(frm);
-        run_plug(frm, catalogue.Rebuild_Register_List);
         Data_Memory_Controls(frm, true);
     }
     Clear_Read_Lines(frm);

@@ -83,7 +83,10 @@ void reset_receive(frmMain& frm) {
     SerialPort& port = frm.platform.port;
     set_port_defaults(frm);
     const bool was_open = port.is_open();
-    if (!was_open) port.open();
+    if (!was_open) {
+        take_port_number(frm);  // the terminal may have left its own
+        port.open();
+    }
     port.read();
     if (!was_open && !held_at_base_baud(frm)) port.close();
     forget_reply(frm.link);

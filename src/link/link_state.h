@@ -80,7 +80,9 @@ struct LinkState {
     // Filled by src/window at start-up; a plug that is null is passed over.
     void (*Receive_Event)(frmMain&) = nullptr;  // on_port_event, for the event loop
     bool (*Check_Model)(frmMain&) = nullptr;    // the chip fits the selected model
-    void (*Monitor_Bytes)(frmMain&, const std::vector<std::uint8_t>&) = nullptr;  // debug_mode
+    // With debug_mode: what has arrived, and that the device has gone.
+    void (*Assistant_Bytes)(frmMain&, const std::vector<std::uint8_t>&) = nullptr;
+    void (*Assistant_Port_Lost)(frmMain&) = nullptr;
 };
 
 }  // namespace vkm

@@ -31,7 +31,7 @@ void on_port_event(frmMain& frm) {
     if (link.demo_mode) {
         if (gather_demo_reply(link, bytes) == Gathered::bad_mark) reset_receive(frm);
     } else if (link.debug_mode) {
-        run_plug(frm, link.Monitor_Bytes, bytes);
+        run_plug(frm, link.Assistant_Bytes, bytes);
     } else if (gather_reply(link, bytes) == Gathered::frame) {
         if (answers_older_request(frm))
             forget_reply(link);

@@ -25,6 +25,9 @@ class Dialogs {
     // program's own.
     virtual void show_text(std::string_view text, std::string_view title = {}) = 0;
 
+    // The same, as a warning.
+    virtual void show_warning(std::string_view text, std::string_view title = {}) = 0;
+
     // A text with Yes and No, No being the default. True for Yes.
     virtual bool ask_yes_no(std::string_view text, std::string_view title = {}) = 0;
 

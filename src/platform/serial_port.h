@@ -38,6 +38,10 @@ class SerialPort {
     // number. Opening an open port is an error. No events run.
     virtual int open() = 0;
 
+    // Why the last open or change of settings failed, or why the port closed by
+    // itself, as people are told; empty once it has been opened well.
+    virtual std::string reason_text() const = 0;
+
     // Waits like set_settings until written bytes have left the wire. Closing a
     // closed port does nothing.
     virtual void close() = 0;

@@ -15,10 +15,11 @@ enum class ControlKind {
     Button,        // Caption
     TextBox,       // Text, one line; SelStart, SelLength
     LogBox,        // Text, many lines, monospaced, not typed into; SelStart, SelLength
+    MemoBox,       // Text, many lines, typed into; SelStart, SelLength
     CheckBox,      // Caption, Value 0 or 1
     OptionButton,  // Caption, Value 0 or 1; one of a set
     ComboBox,      // List, ListIndex; its text is that of the entry
-    ListBox,       // List, ListIndex
+    ListBox,       // List, ListIndex, Selected; Value: the first row in sight
     TabStrip,      // List (captions and keys), ListIndex
     TreeView,      // List (texts, keys, parents), ListIndex
     ScrollBar,     // Min, Max, Value, SmallChange, LargeChange
@@ -44,7 +45,7 @@ struct Control {
     bool Visible = true;
     std::string Caption;
     std::string Text;        // line breaks are CR LF
-    std::int32_t Value = 0;  // check box, option, bars; a label's colour code
+    std::int32_t Value = 0;  // check box, option, bars; a label's colour code; a list's top row
     std::int32_t Min = 0;
     std::int32_t Max = 0;
     std::int32_t SmallChange = 1;
@@ -54,6 +55,7 @@ struct Control {
     std::int32_t Rows = 0;  // of a LogBox: lines that the box has room for; 0 before it is drawn
     std::int32_t ListIndex = -1;  // -1: nothing chosen
     std::vector<Entry> List;
+    std::vector<std::int32_t> Selected;  // rows of a ListBox that are highlighted, ascending
 
     bool operator==(const Control&) const = default;
 };

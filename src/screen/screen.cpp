@@ -20,7 +20,8 @@ std::string_view piece(std::string_view pieces, int index) {
 }
 
 bool starts_with_text(ControlKind kind) {
-    return kind == ControlKind::TextBox || kind == ControlKind::LogBox;
+    return kind == ControlKind::TextBox || kind == ControlKind::LogBox ||
+           kind == ControlKind::MemoBox;
 }
 
 void start(Control& control, std::string_view name, int index, ControlKind kind,

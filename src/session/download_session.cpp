@@ -226,16 +226,15 @@ void pause_between_chips(frmMain& frm) {
     frm.screen.textMsg.Text.clear();
 }
 
-}  // namespace
-
-void comDownload(frmMain& frm, int Index) {
+// One chip, or one after another. True when the last one is good.
+bool run_session(frmMain& frm, int Index) {
     const Session_Lease lease(frm);
-    if (!lease.granted()) return;
+    if (!lease.granted()) return false;
     close_assistant_port(frm);
-    if (!has_file(frm) || !reload_file(frm)) return;
+    if (!has_file(frm) || !reload_file(frm)) return false;
     patch_touched_numbers(frm);
     // The window may have been closed behind a box of the steps before.
-    if (frm.link.close_pending) return;
+    if (frm.link.close_pending) return false;
     begin_session(frm);
     bool good = program_one_chip(frm);
     while (good && Index == 1) {
@@ -243,7 +242,15 @@ void comDownload(frmMain& frm, int Index) {
         good = program_one_chip(frm);
     }
     comStop_Download(frm);
-    if (good && frm.screen.che_AutoOpenPort.Value != 0)
+    return good;
+}
+
+}  // namespace
+
+// The terminal opens behind the session, so that what the new program says is seen.
+void comDownload(frmMain& frm, int Index) {
+    const bool good = run_session(frm, Index);
+    if (good && !frm.link.close_pending && frm.screen.che_AutoOpenPort.Value != 0)
         run_plug(frm, frm.session.Open_Assistant_Port);
 }
 

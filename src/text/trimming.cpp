@@ -3,6 +3,14 @@
 #include <algorithm>
 
 namespace vkm {
+namespace {
+
+// A continuation byte (10xxxxxx) never begins a character.
+bool begins_character(char c) {
+    return (c & 0xC0) != 0x80;
+}
+
+}  // namespace
 
 std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(" \t");
@@ -19,9 +27,21 @@ std::string upper_case(std::string_view text) {
 }
 
 std::size_t character_count(std::string_view utf8) {
-    // A continuation byte (10xxxxxx) never begins a character.
-    return static_cast<std::size_t>(
-        std::count_if(utf8.begin(), utf8.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+    return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), begins_character));
+}
+
+std::string_view first_characters(std::string_view utf8, std::size_t count) {
+    std::size_t end = 0;
+    for (; end < utf8.size(); ++end)
+        if (begins_character(utf8[end]) && count-- == 0) break;
+    return utf8.substr(0, end);
+}
+
+std::string_view last_characters(std::string_view utf8, std::size_t count) {
+    std::size_t begin = utf8.size();
+    while (begin > 0 && count > 0)
+        if (begins_character(utf8[--begin])) --count;
+    return utf8.substr(begin);
 }
 
 }  // namespace vkm

@@ -17,4 +17,8 @@ std::string upper_case(std::string_view text);
 // tells of are in characters, never in bytes.
 std::size_t character_count(std::string_view utf8);
 
+// So many characters from the beginning or the end of a UTF-8 text, or all that it has.
+std::string_view first_characters(std::string_view utf8, std::size_t count);
+std::string_view last_characters(std::string_view utf8, std::size_t count);
+
 }  // namespace vkm

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "plug.h"
+
 namespace vkm {
 namespace {
 
@@ -32,6 +34,8 @@ void deliver_due(frmMain& frm) {
     const Instant now = frm.platform.loop.now();
     for (Timer* timer : frm.timers.all())
         if (timer->Enabled && !timer->Ticking && timer->Due <= now) fire(frm, *timer, now);
+    if (frm.link.debug_mode && !frm.platform.port.is_open())
+        run_plug(frm, frm.link.Assistant_Port_Lost);
     if (frm.link.Receive_Event && frm.platform.port.is_open() &&
         frm.platform.port.input_count() > 0)
         frm.link.Receive_Event(frm);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "assistant/serial_assistant.h"
 #include "catalogue/mcu_catalogue.h"
 #include "catalogue/model_selection.h"
 #include "catalogue/tab_strips.h"
@@ -9,11 +10,13 @@
 #include "increase/auto_increase.h"
 #include "increase/number_sequence.h"
 #include "link/isp_link.h"
+#include "monitor/monitor_lists.h"
 #include "options/mcu_options.h"
 #include "session/download_session.h"
 #include "waiting/waiting.h"
 #include "window/hardware_help.h"
 #include "window/lists.h"
+#include "window/panel_settings.h"
 #include "window/settings.h"
 
 namespace vkm {
@@ -64,10 +67,14 @@ void Load(frmMain& frm) {
     TabStrip2_Click(frm);
     Load_Auto_Increase_Settings(frm);
     Load_Settings(frm);
+    Load_Assistant_Settings(frm);
+    Load_User_Code_Settings(frm);
+    Load_Demo_Settings(frm);
     Clear_Flags(frm);
     Start_Values(frm.screen);
     Read_Auto_Increase(frm);
     cheAuto_Increase(frm);
+    Fill_Monitor_Lists(frm);
     Reset_Buffer(frm, 0, frm.images.AP_Buffer);
     Reset_Buffer(frm, 0, frm.images.Data_Buffer);
     Set_UI_State(frm, ui_idle);
@@ -75,6 +82,7 @@ void Load(frmMain& frm) {
 }
 
 bool QueryUnload(frmMain& frm) {
+    Close_Assistant_Port(frm);
     comStop_Download(frm);
     if (frm.link.close_pending) return true;
     frm.link.close_pending = true;
@@ -83,7 +91,11 @@ bool QueryUnload(frmMain& frm) {
 }
 
 void Unload(frmMain& frm) {
+    Close_Assistant_Port(frm);
     close_port(frm);
+    Save_Assistant_Settings(frm);
+    Save_User_Code_Settings(frm);
+    Save_Demo_Settings(frm);
     // Not every change starts the saving by itself.
     Save_Settings(frm);
     Save_Window(frm);

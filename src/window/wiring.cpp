@@ -1,5 +1,6 @@
 #include "window/wiring.h"
 
+#include "assistant/serial_assistant.h"
 #include "catalogue/model_selection.h"
 #include "image/buffer_view.h"
 #include "image/hex_editor.h"
@@ -7,6 +8,8 @@
 #include "increase/auto_increase.h"
 #include "increase/number_sequence.h"
 #include "link/isp_link.h"
+#include "monitor/monitor_lists.h"
+#include "monitor/target_monitor.h"
 #include "options/option_panel.h"
 #include "project/project_files.h"
 #include "session/connect_advice.h"
@@ -94,6 +97,10 @@ void Snap_Clicked(frmMain&, Event event) {
     Snap_Cursor(*event.Source);
 }
 
+void Key_To_Target(frmMain& frm, Event event) {
+    texReceive_KeyPress(frm, event.Text);
+}
+
 void Tree_Key(frmMain& frm, Event event) {
     if (event.Key == escape_key) Close_Device_Tree(frm);
 }
@@ -142,6 +149,22 @@ constexpr Wire wire_table[] = {
     {"Command1",                 Click,   run_between_jobs<Command1>},
     // User code
     {"comSendUserCode",          Click,   run<comSendUserCode>},
+    // Serial terminal
+    {"comOpenCOM",               Click,    run<comOpenCOM>},
+    {"com_Debug_Baud",           Click,    run<com_Debug_Baud>},
+    {"imgOpen",                  Click,    run<Close_Assistant_Port>},
+    {"imgNotOpen",               Click,    run<Open_Assistant_Port>},
+    {"comDebugClear",            Click,    run_element<comDebugClear>},
+    {"comClearCount",            Click,    run<comClearCount>},
+    {"comDebugHelp",             Click,    run_element<comDebugHelp>},
+    {"texReceive",               KeyPress, Key_To_Target},
+    {"comDebugSend",             Click,    run<comDebugSend>},
+    {"comClearSend",             Click,    run<comClearSend>},
+    {"comAutoSend",              Click,    run<comAutoSend>},
+    {"comSpreadSendCom",         Click,    run_element<comSpreadSendCom>},
+    {"comSpreadAutoSend",        Click,    run<comSpreadAutoSend>},
+    // Target monitor
+    {"comDebugContinue",         Click,    run<comDebugContinue>},
     // Save File
     {"txt_Start_Address",        Change,  run<Enable_Save_File>},
     {"txt_length",               Change,  run<Enable_Save_File>},
@@ -186,6 +209,10 @@ void wire_timers(Timers& timers) {
     timers.Timer11.Tick = Timer11_Tick;
     timers.Timer12.Tick = Timer12_Tick;
     timers.TimerUnload.Tick = TimerUnload_Tick;
+    timers.TimerDebug.Tick = TimerDebug_Tick;
+    timers.TimerDebugDisplay.Tick = Show_Received;
+    timers.TimerDebugAutoSend.Tick = TimerDebugAutoSend_Tick;
+    timers.TimerSpreadAutoSend.Tick = TimerSpreadAutoSend_Tick;
 }
 
 }  // namespace
@@ -198,6 +225,11 @@ void wire(frmMain& frm) {
     wire_timers(frm.timers);
     frm.link.Receive_Event = on_port_event;
     frm.link.Check_Model = Check_Model;
+    frm.link.Assistant_Bytes = Take_Received;
+    frm.link.Assistant_Port_Lost = Assistant_Port_Lost;
+    frm.session.Close_Assistant_Port = Close_Assistant_Port;
+    frm.session.Open_Assistant_Port = Open_Assistant_Port;
+    frm.catalogue.Rebuild_Register_List = Rebuild_Register_List;
     frm.images.Show_Chosen_Page = TabStrip2_Click;
     frm.images.Load_Project = Open_Project;
 }

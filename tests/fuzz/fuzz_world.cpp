@@ -64,6 +64,7 @@ void check_control(const Control& control) {
                 "a bar stands between its ends");
             break;
         case ControlKind::LogBox:
+        case ControlKind::MemoBox:
             // Without a length there is only an insertion point, which the edge holds inside.
             must(control.SelStart >= 0 && control.SelLength >= 0, "a selection is one");
             must(control.SelLength == 0 || control.SelStart + control.SelLength <= characters,

@@ -1,4 +1,4 @@
-"""A bench of simulated chips and the robot at the tool's window.
+"""A bench of simulated chips and targets and the robot at the tool's window.
 
 Scenarios are functions that take a Bench; run_scenarios() runs those that are
 named on the command line, several at a time, and tells which failed and why.
@@ -12,7 +12,6 @@ import os
 import pathlib
 import queue
 import shutil
-import signal
 import subprocess
 import sys
 import tempfile
@@ -34,10 +33,15 @@ def expect(condition, message):
         raise Failed(message)
 
 
+def short(*values):
+    """As a text that a long value doesn't bury."""
+    return " ".join(text if len(text) < 400 else f"{text[:200]} ... {text[-200:]}" for text in map(str, values))
+
+
 def expect_equal(found, expected, what):
     if isinstance(found, bytes) and isinstance(expected, bytes):
         return expect_bytes(found, expected, what)
-    expect(found == expected, f"{what}: {found!r} instead of {expected!r}")
+    expect(found == expected, f"{what}: " + short(repr(found), "instead of", repr(expected)))
 
 
 def expect_bytes(found, expected, what):
@@ -127,7 +131,7 @@ class Robot(Process):
     def do(self, command, limit_s=ANSWER_LIMIT_S, **fields):
         answer = self.try_do(command, limit_s, **fields)
         if not answer["ok"]:
-            raise Failed(f"{command} {fields}: {answer['error']}\nlog:{self.try_log()}")
+            raise Failed(f"{short(command, fields, answer['error'])}\nlog:{self.try_log()}")
         return answer.get("value")
 
     def error(self, command, **fields):
@@ -212,17 +216,17 @@ class Robot(Process):
             raise Failed("the robot doesn't end") from None
 
 
-class Chip(Process):
-    """vkm-chip: a simulated chip on a pseudo-terminal.
+class Simulator(Process):
+    """A program that simulates something on a pseudo-terminal, with a link of its own to it.
 
     Options are those of its command line, with underscores: fast=True, clock="12M",
     fault=["lose_reply@block:3"].
     """
 
-    def __init__(self, model, folder, **options):
+    def __init__(self, program, kind, folder, **options):
         self.folder = folder
-        self.device = folder / f"chip-{next(_numbers)}"  # stays when the cable is plugged again
-        arguments = [BUILD / "vkm-chip", "--model", model, "--link", self.device, "--until-eof"]
+        self.device = folder / f"{kind}-{next(_numbers)}"  # stays when the cable is plugged again
+        arguments = [BUILD / program, "--link", self.device, "--until-eof"]
         for name, value in options.items():
             for each in value if isinstance(value, list) else [value]:
                 arguments.append("--" + name.replace("_", "-"))
@@ -243,14 +247,32 @@ class Chip(Process):
         while True:
             line = self.next_line(ANSWER_LIMIT_S)
             if line.split(" ")[0] == "error":
-                raise Failed(f"vkm-chip: {command}: {line}")
+                raise Failed(f"{self.arguments[0]}: {command}: {line}")
             if line.split(" ")[0] == "ok":
                 return line[3:]
+
+
+class Chip(Simulator):
+    """vkm-chip: a simulated chip."""
+
+    def __init__(self, model, folder, **options):
+        super().__init__("vkm-chip", "chip", folder, model=model, **options)
 
     def flash(self):
         path = self.folder / f"flash-{next(_numbers)}"
         self.do(f"flash {path}")
         return path.read_bytes()
+
+
+class Target(Simulator):
+    """vkm-target: a target whose program talks (talk=True) or stops (monitor=True)."""
+
+    def __init__(self, folder, **options):
+        super().__init__("vkm-target", "target", folder, **options)
+
+    def heard(self):
+        """Bytes that its program has heard since the last time."""
+        return bytes.fromhex(self.do("heard"))
 
 
 _numbers = itertools.count(1)
@@ -276,6 +298,11 @@ class Bench:
         chip = Chip(model, self.folder, **options)
         self.started.append(chip)
         return chip
+
+    def target(self, **options):
+        target = Target(self.folder, **options)
+        self.started.append(target)
+        return target
 
     def file(self, name, content):
         path = self.folder / name
@@ -353,13 +380,13 @@ def run_scenarios(scenarios):
     Time is real here, and a machine that is busy elsewhere makes chips late: what
     failed beside others is tried once more, alone, and fails if it does again.
     """
-    wanted = [word for word in sys.argv[1:] if not word.startswith("-")]
+    wanted = sys.argv[1:]
     chosen = {
         name: scenario
         for name, scenario in scenarios.items()
         if not wanted or any(name.startswith(word) for word in wanted)
     }
-    expect(chosen, "no such scenario")
+    expect(chosen, "no scenario begins with one of these words")
     at_once = int(os.environ.get("VKM_AT_ONCE", 2 * (os.cpu_count() or 1)))
     with concurrent.futures.ThreadPoolExecutor(at_once) as pool:
         results = list(pool.map(lambda name: _run(name, chosen[name]), chosen))

@@ -21,6 +21,7 @@
 #include <set>
 
 #include "platform/qt/as_drawn.h"
+#include "platform/qt/fields.h"
 #include "platform/qt/make_widget.h"
 #include "platform/qt/text_mapping.h"
 #include "robot/refusal.h"
@@ -44,6 +45,12 @@ QJsonValue texts_of(const Control& control) {
     return texts;
 }
 
+QJsonValue selected_rows_of(const Control& control) {
+    QJsonArray rows;
+    for (const std::int32_t row : control.Selected) rows.append(row);
+    return rows;
+}
+
 bool is_flag(ControlKind kind) {
     return kind == ControlKind::CheckBox || kind == ControlKind::OptionButton;
 }
@@ -61,10 +68,10 @@ struct Property {
 const std::vector<Property>& properties() {
     using enum ControlKind;
     const std::set<ControlKind> lists = {ComboBox, ListBox, TabStrip, TreeView};
-    const std::set<ControlKind> texts = {TextBox, LogBox, ComboBox, ListBox};
-    const std::set<ControlKind> typed = {TextBox, LogBox};
+    const std::set<ControlKind> texts = {TextBox, LogBox, MemoBox, ComboBox, ListBox};
+    const std::set<ControlKind> typed = {TextBox, LogBox, MemoBox};
     const std::set<ControlKind> captions = {Label, Button, CheckBox, OptionButton, Frame};
-    const std::set<ControlKind> values = {CheckBox, OptionButton, ScrollBar, ProgressBar};
+    const std::set<ControlKind> values = {CheckBox, OptionButton, ScrollBar, ProgressBar, ListBox};
     const std::set<ControlKind> bars = {ScrollBar, ProgressBar};
     static const std::vector<Property> table = {
         {"Text", texts, [](const Control& c) { return json(text_of(c)); }},
@@ -74,6 +81,7 @@ const std::vector<Property>& properties() {
         {"Visible", {}, [](const Control& c) { return QJsonValue(c.Visible); }},
         {"List", lists, texts_of},
         {"ListIndex", lists, [](const Control& c) { return QJsonValue(c.ListIndex); }},
+        {"Selected", {ListBox}, selected_rows_of},
         {"SelStart", typed, [](const Control& c) { return QJsonValue(c.SelStart); }},
         {"SelLength", typed, [](const Control& c) { return QJsonValue(c.SelLength); }},
         {"Min", bars, [](const Control& c) { return QJsonValue(c.Min); }},
@@ -164,6 +172,10 @@ void press(QWidget* widget, Qt::Key code, const QString& text = {}) {
 void type(const QPointer<QWidget>& widget, const QString& text) {
     for (const QChar character : text) {
         if (!widget) return;
+        if (character == u'\n') {
+            press(widget, Qt::Key_Return, QStringLiteral("\r"));
+            continue;
+        }
         const char latin = character.toLatin1();
         const Qt::Key code = latin > 0 ? QTest::asciiToKey(latin) : Qt::Key_unknown;
         press(widget, code, QString(character));
@@ -203,9 +215,9 @@ void click_in_line(QLineEdit* line, int units) {
 }
 
 // Clicks between two characters of a text, which is first scrolled to them.
-void click_in_box(QPlainTextEdit* box, int units) {
+void click_in_box(QPlainTextEdit* box, int position) {
     QTextCursor cursor(box->document());
-    cursor.setPosition(units);
+    cursor.setPosition(position);
     const QRect sight = box->viewport()->rect();
     if (!sight.contains(box->cursorRect(cursor)))
         box->verticalScrollBar()->setValue(cursor.block().firstLineNumber());
@@ -335,11 +347,14 @@ Act enter(const Drawn& control, const QString& text) {
 }
 
 Act key(const Drawn& control, const QString& name) {
+    // What these keys carry as text besides.
+    static const QHash<Qt::Key, QString> texts = {
+        {Qt::Key_Return, "\r"}, {Qt::Key_Tab, "\t"}, {Qt::Key_Escape, "\x1b"}};
     const Qt::Key code = key_named(name);
     must_take_keys(control);
     return [widget = control.widget, code] {
         widget->setFocus();
-        press(widget, code, code == Qt::Key_Return ? "\r" : code == Qt::Key_Tab ? "\t" : "");
+        press(widget, code, texts.value(code));
     };
 }
 
@@ -353,7 +368,8 @@ Act caret(const Drawn& control, int at) {
         throw Refusal{"no position " + QString::number(at)};
     const int units = widget_position(text, at);
     if (line) return [line, units] { click_in_line(line, units); };
-    return [box, units] { click_in_box(box, units); };
+    const int position = static_cast<TextView*>(box)->document_position(units);
+    return [box, position] { click_in_box(box, position); };
 }
 
 Act check(const Drawn& control, bool on) {

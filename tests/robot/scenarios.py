@@ -16,8 +16,10 @@ import subprocess
 import sys
 import time
 
+import monitor_scenarios
 import option_scenarios
 import production_scenarios
+import terminal_scenarios
 from bench import (BUILD, Failed, collection, expect, expect_equal, hex_file, program,
                    run_scenarios)
 from expectations import PROGRAM_OK, STOPPED, expect_at_rest, expect_done
@@ -818,7 +820,7 @@ def _(bench):
         ({"command": "choose", "on": "combCommPort", "index": 16}, "16"),
         ({"command": "choose", "on": "combCommPort"}, "index"),
         ({"command": "choose", "on": "comLoadFile", "index": 0}, "comLoadFile"),
-        ({"command": "value", "name": "Send_Count"}, "Send_Count"),
+        ({"command": "value", "name": "Board_Block"}, "Board_Block"),
         ({"command": "value", "name": "MCU_Info.Colour"}, "MCU_Info.Colour"),
         ({"command": "bytes", "image": "Board_Image", "from": 0, "count": 1}, "Board_Image"),
         ({"command": "bytes", "image": "AP_Buffer", "from": 0x12000, "count": 2}, "AP_Buffer"),
@@ -911,6 +913,8 @@ add_bauds()
 add_faults()
 scenarios.update(option_scenarios.scenarios)
 scenarios.update(production_scenarios.scenarios)
+scenarios.update(terminal_scenarios.scenarios)
+scenarios.update(monitor_scenarios.scenarios)
 
 if __name__ == "__main__":
     try:

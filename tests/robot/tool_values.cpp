@@ -17,6 +17,9 @@ QJsonValue json(bool flag) {
 QJsonValue json(std::int32_t number) {
     return number;
 }
+QJsonValue json(std::uint32_t number) {
+    return static_cast<double>(number);
+}
 QJsonValue json(float number) {
     return static_cast<double>(number);
 }
@@ -69,6 +72,8 @@ const Values& values() {
         VALUE("Option_Bytes", frm.options.Option_Bytes[0]),
         VALUE("Chip_Bytes", frm.options.Chip_Bytes),
         VALUE("debug_mode", frm.link.debug_mode),
+        VALUE("Receive_Count", frm.assistant.Receive_Count),
+        VALUE("Send_Count", frm.assistant.Send_Count),
         VALUE("Project_Lock", frm.session.Project_Lock),
         VALUE("Watched_File", frm.session.Watched_File),
         MODEL(MCU_Family),

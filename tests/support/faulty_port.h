@@ -22,6 +22,7 @@ class ForwardingPort : public SerialPort {
     bool set_settings(std::string_view settings) override { return below_.set_settings(settings); }
     std::string settings() const override { return below_.settings(); }
     int open() override { return below_.open(); }
+    std::string reason_text() const override { return below_.reason_text(); }
     void close() override { below_.close(); }
     bool is_open() const override { return below_.is_open(); }
     void set_read_length(int length) override { below_.set_read_length(length); }

@@ -45,6 +45,10 @@ void ScriptedDialogs::show_text(std::string_view text, std::string_view title) {
     show(text_box(BoxKind::text, text, title));
 }
 
+void ScriptedDialogs::show_warning(std::string_view text, std::string_view title) {
+    show(text_box(BoxKind::warning, text, title));
+}
+
 bool ScriptedDialogs::ask_yes_no(std::string_view text, std::string_view title) {
     show(text_box(BoxKind::yes_no, text, title));
     return next_of(yes_no);

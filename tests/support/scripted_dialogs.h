@@ -13,12 +13,12 @@
 
 namespace vkm::test {
 
-enum class BoxKind { text, yes_no, open_file, save_file };
+enum class BoxKind { text, warning, yes_no, open_file, save_file };
 
 struct Box {
     BoxKind kind = BoxKind::text;
     std::string title;
-    std::string text;    // of text and yes_no
+    std::string text;    // of text, warning and yes_no
     std::string filter;  // of the file dialogs
     std::string folder;
     std::string name;
@@ -49,6 +49,7 @@ class ScriptedDialogs final : public Dialogs {
 
     // ---- the seam -----------------------------------------------------------
     void show_text(std::string_view text, std::string_view title = {}) override;
+    void show_warning(std::string_view text, std::string_view title = {}) override;
     bool ask_yes_no(std::string_view text, std::string_view title = {}) override;
     std::string ask_file_to_open(const FileQuestion& question) override;
     std::string ask_file_to_save(const FileQuestion& question) override;

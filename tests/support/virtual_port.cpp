@@ -6,9 +6,12 @@ namespace vkm::test {
 
 bool VirtualPort::set_settings(std::string_view settings) {
     const auto wanted = parse_port_settings(settings);
-    if (!wanted) return false;
+    const bool refused = !wanted || (open_ && refused_baud.contains(wanted->baud));
+    if (refused) {
+        reason_ = "COM" + std::to_string(number_) + ": no such settings";
+        return false;
+    }
     if (open_) {
-        if (refused_baud.contains(wanted->baud)) return false;
         if (settings != settings_) {
             wait_for_output();
             listen(std::string(settings));
@@ -21,17 +24,24 @@ bool VirtualPort::set_settings(std::string_view settings) {
 int VirtualPort::open() {
     ++opens;
     const auto nth = nth_open_error.find(opens);
-    if (nth != nth_open_error.end()) return nth->second;
+    if (nth != nth_open_error.end()) return refuse(nth->second);
     if (open_) return error_busy;
-    if (!present.contains(number_)) return error_missing;
+    if (!present.contains(number_)) return refuse(error_missing);
     const auto error = open_error.find(number_);
-    if (error != open_error.end()) return error->second;
-    if (refused_baud.contains(parse_port_settings(settings_)->baud)) return error_refused;
+    if (error != open_error.end()) return refuse(error->second);
+    if (refused_baud.contains(parse_port_settings(settings_)->baud)) return refuse(error_refused);
     open_ = true;
+    reason_.clear();
     open_number_ = number_;
     ++openings;
+    opened_numbers.push_back(number_);
     listen(settings_);
     return 0;
+}
+
+int VirtualPort::refuse(int error) {
+    reason_ = "COM" + std::to_string(number_) + ": error " + std::to_string(error);
+    return error;
 }
 
 void VirtualPort::close() {
@@ -47,6 +57,7 @@ void VirtualPort::unplug() {
     if (!open_) return;
     line_.cut(loop_.now());
     open_ = false;
+    reason_ = "COM" + std::to_string(open_number_) + ": unplugged";
 }
 
 std::vector<std::uint8_t> VirtualPort::read() {

@@ -36,6 +36,7 @@ class VirtualPort final : public SerialPort {
     bool set_settings(std::string_view settings) override;
     std::string settings() const override { return settings_; }
     int open() override;
+    std::string reason_text() const override { return reason_; }
     void close() override;
     bool is_open() const override { return open_; }
     void set_read_length(int length) override { read_length_ = length; }
@@ -54,12 +55,15 @@ class VirtualPort final : public SerialPort {
     std::set<int> refused_baud;         // rates that the device can't do
     std::map<int, int> nth_open_error;  // the Nth open() from now on, 1 the first, fails with it
 
+    // Its reasons: "COM1: error 2", "COM1: no such settings", "COM1: unplugged".
+
     // The device goes: the port reads as closed, and its number is gone.
     void unplug();
     void plug(int number) { present.insert(number); }
 
-    int opens = 0;     // calls of open()
-    int openings = 0;  // those that opened it
+    int opens = 0;                    // calls of open()
+    int openings = 0;                 // those that opened it
+    std::vector<int> opened_numbers;  // at each opening
     int closings = 0;
     std::vector<Written> written;                // every write to the open port
     std::vector<std::string> settings_in_force;  // each time that a rate came to the wire
@@ -72,6 +76,7 @@ class VirtualPort final : public SerialPort {
     bool waits_for_output = true;
 
   private:
+    int refuse(int error);
     void wait_for_output();
     void listen(const std::string& settings);
 
@@ -80,6 +85,7 @@ class VirtualPort final : public SerialPort {
     int number_ = 1;
     std::string settings_ = "9600,n,8,1";
     bool open_ = false;
+    std::string reason_;
     int open_number_ = 0;
     int read_length_ = 0;
 };

@@ -5,6 +5,7 @@
 #include <numeric>
 #include <utility>
 
+#include "simulators/byte_values.h"
 #include "simulators/chip_timing.h"
 #include "simulators/simulated_chip.h"
 

@@ -48,6 +48,11 @@ struct ChipConfig {
     // the rate at which it listens for that; empty: it listens for nothing.
     std::vector<std::uint8_t> user_code{};
     double user_code_baud = 115200;
+    // What its program says once it runs; empty: nothing.
+    std::vector<std::uint8_t> greeting{};
+    double greeting_baud = 115200;
+    std::chrono::milliseconds greeting_after{300};  // from the start of the program
+    std::chrono::milliseconds greeting_every{0};    // then again and again; 0: once
     Instant powered_at{};  // cold until then; `never`: until power_on is called
     AfterStart after_start{};
 

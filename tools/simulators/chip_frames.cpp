@@ -1,7 +1,8 @@
 #include "simulators/chip_frames.h"
 
-#include <cstdio>
 #include <utility>
+
+#include "simulators/byte_values.h"
 
 namespace vkm::sim {
 namespace {
@@ -20,29 +21,6 @@ std::size_t length_told(std::span<const std::uint8_t> frame) {
 }
 
 }  // namespace
-
-std::uint32_t big_endian(std::span<const std::uint8_t> bytes) {
-    std::uint32_t value = 0;
-    for (const std::uint8_t byte : bytes) value = value << 8 | byte;
-    return value;
-}
-
-std::uint8_t sum_of(std::span<const std::uint8_t> bytes) {
-    unsigned sum = 0;
-    for (const std::uint8_t byte : bytes) sum += byte;
-    return static_cast<std::uint8_t>(sum);
-}
-
-std::string hex_text(std::span<const std::uint8_t> bytes) {
-    std::string text;
-    char digits[4];
-    for (const std::uint8_t byte : bytes) {
-        std::snprintf(digits, sizeof digits, "%02X", byte);
-        if (!text.empty()) text += ' ';
-        text += digits;
-    }
-    return text;
-}
 
 std::vector<std::uint8_t> build_reply(std::span<const std::uint8_t> payload) {
     std::vector<std::uint8_t> frame(std::begin(reply_start), std::end(reply_start));

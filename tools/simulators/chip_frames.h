@@ -43,12 +43,4 @@ class FrameReceiver {
 // An answer as it goes over the wire; the payload begins with the reply code.
 std::vector<std::uint8_t> build_reply(std::span<const std::uint8_t> payload);
 
-// The bytes of a field as a number, the first being the highest.
-std::uint32_t big_endian(std::span<const std::uint8_t> bytes);
-
-std::uint8_t sum_of(std::span<const std::uint8_t> bytes);
-
-// "46 B9 6A", for messages.
-std::string hex_text(std::span<const std::uint8_t> bytes);
-
 }  // namespace vkm::sim

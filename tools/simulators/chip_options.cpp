@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "catalogue/model_traits.h"
+#include "simulators/byte_values.h"
 #include "simulators/simulated_chip.h"
 
 namespace vkm::sim {

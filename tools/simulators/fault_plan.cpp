@@ -1,8 +1,10 @@
 #include "simulators/fault_plan.h"
 
 #include <array>
-#include <charconv>
+#include <limits>
 #include <utility>
+
+#include "simulators/value_forms.h"
 
 namespace vkm::sim {
 namespace {
@@ -52,32 +54,6 @@ std::optional<Kind> kind_in(const Names<Kind, N>& names, std::string_view name) 
     for (const auto& [kind, entry] : names)
         if (entry == name) return kind;
     return std::nullopt;
-}
-
-// The whole text as a number, nothing before or behind it.
-template <typename Number>
-bool read_number(std::string_view text, Number& number, int base = 10) {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
-    return error == std::errc{} && end == text.data() + text.size() && !text.empty();
-}
-
-// What stands behind the mark; the mark and all behind it leave the text.
-std::optional<std::string_view> split_off(std::string_view& text, char mark) {
-    const std::size_t place = text.find(mark);
-    if (place == std::string_view::npos) return std::nullopt;
-    const std::string_view rest = text.substr(place + 1);
-    text = text.substr(0, place);
-    return rest;
-}
-
-bool read_hex_bytes(std::string_view text, std::vector<std::uint8_t>& bytes) {
-    if (text.empty() || text.size() % 2 != 0) return false;
-    for (std::size_t i = 0; i < text.size(); i += 2) {
-        std::uint8_t byte = 0;
-        if (!read_number(text.substr(i, 2), byte, 16)) return false;
-        bytes.push_back(byte);
-    }
-    return true;
 }
 
 // What the kinds do when no value is told.
@@ -145,16 +121,23 @@ std::optional<Fault> parse_fault(std::string_view text) {
         if (!frame_kind) return std::nullopt;
         fault.frame = *frame_kind;
     }
-    if (nth && (!read_number(*nth, fault.nth) || fault.nth < 1)) return std::nullopt;
-    if (times && (!read_number(*times, fault.times) || fault.times < 0)) return std::nullopt;
+    constexpr int most = std::numeric_limits<int>::max();
+    const auto nth_number = parse_whole(nth.value_or("1"), 1, most);
+    const auto times_number = parse_whole(times.value_or("1"), 0, most);
+    if (!nth_number || !times_number) return std::nullopt;
+    fault.nth = *nth_number;
+    fault.times = *times_number;
 
     set_default_value(fault);
     if (!value) return fault;
     if (fault.kind == FaultKind::noise) {
-        fault.bytes.clear();
-        if (!read_hex_bytes(*value, fault.bytes)) return std::nullopt;
-    } else if (!read_number(*value, fault.value) || fault.value < 0) {
-        return std::nullopt;
+        const auto bytes = parse_bytes(*value);
+        if (!bytes) return std::nullopt;
+        fault.bytes = *bytes;
+    } else {
+        const auto number = parse_whole(*value, 0, most);
+        if (!number) return std::nullopt;
+        fault.value = *number;
     }
     return fault;
 }

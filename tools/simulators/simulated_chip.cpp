@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "simulators/bounded_list.h"
+#include "simulators/byte_values.h"
 #include "simulators/chip_timing.h"
 
 namespace vkm::sim {
@@ -42,13 +44,6 @@ bool near_to(double baud, double wanted) {
 
 std::string baud_text(double baud) {
     return std::to_string(std::lround(baud));
-}
-
-template <typename Entry>
-void append_bounded(std::vector<Entry>& list, Entry entry, std::size_t most) {
-    if (list.size() >= most)
-        list.erase(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(most / 2));
-    list.push_back(std::move(entry));
 }
 
 }  // namespace
@@ -169,6 +164,8 @@ void SimulatedChip::switch_on(Instant at) {
 
 void SimulatedChip::enter_firmware(Instant at) {
     state_ = ChipState::listening;
+    sending_.clear();  // what a program was saying
+    greets_at_ = never;
     rate_ = pulse_baud;
     by_trigger_ = false;
     pulses_in_row_ = 0;
@@ -186,6 +183,7 @@ void SimulatedChip::switch_off() {
     state_ = ChipState::off;
     rate_ = 0;
     listens_until_ = never;
+    greets_at_ = never;
     sending_.clear();
 }
 
@@ -205,6 +203,7 @@ void SimulatedChip::start_user_program(Instant at) {
     heard_in_program_.clear();
     listens_until_ = never;
     ++counters_.starts;
+    if (!config_.greeting.empty()) greets_at_ = at + config_.greeting_after;
     const AfterStart& after = config_.after_start;
     if (!after.power_cycle) return;
     power_events_.push_back({at + after.off_after, false, false});
@@ -214,7 +213,7 @@ void SimulatedChip::start_user_program(Instant at) {
 // ---- the line ---------------------------------------------------------------------
 
 Instant SimulatedChip::due() const {
-    Instant next = listens_until_;
+    Instant next = std::min(listens_until_, greets_at_);
     if (!power_events_.empty()) next = std::min(next, power_events_.front().at);
     if (!sending_.empty()) next = std::min(next, sending_.front().start);
     return next;
@@ -223,6 +222,7 @@ Instant SimulatedChip::due() const {
 void SimulatedChip::act(Instant now) {
     run_power_events(now);
     if (state_ == ChipState::listening && listens_until_ <= now) start_user_program(now);
+    if (greets_at_ <= now) greet(now);
     while (!sending_.empty() && sending_.front().start <= now + ahead) {
         output_.push_back(sending_.front());
         sending_.pop_front();
@@ -261,6 +261,16 @@ void SimulatedChip::hear(Instant at, std::uint8_t value, double sent_baud) {
     objected_ = true;
     receiver_.reset();
     pulses_in_row_ = 0;
+}
+
+void SimulatedChip::greet(Instant now) {
+    const double rate = config_.greeting_baud;
+    for (std::size_t i = 0; i < config_.greeting.size(); ++i)
+        sending_.push_back({now + wire_time(i, rate), config_.greeting[i], rate});
+    ++counters_.greetings;
+    const Instant end = now + wire_time(config_.greeting.size(), rate);
+    const bool again = config_.greeting_every.count() > 0;
+    greets_at_ = again ? std::max(now + config_.greeting_every, end) : never;
 }
 
 // The program compares the last bytes that came at its rate.

@@ -62,6 +62,7 @@ struct ChipCounters {
     int option_writes = 0;   // option writes that were stored
     int starts = 0;          // of the user's program
     int user_codes = 0;      // that it obeyed
+    int greetings = 0;       // begun by the program
     int chips = 1;           // how many chips have stood here, the present one included
 };
 
@@ -145,6 +146,7 @@ class SimulatedChip {
     void run_power_events(Instant now);
     void enter_firmware(Instant at);
     void start_user_program(Instant at);
+    void greet(Instant now);
     void hear_in_program(Instant at, std::uint8_t value, double sent_baud);
 
     void hear_in_sync(Instant at, std::uint8_t value, double sent_baud);
@@ -215,6 +217,7 @@ class SimulatedChip {
     std::optional<std::uint16_t> tested_pair_;     // the reload pair last tested
     std::optional<std::uint32_t> written_sector_;  // number, for firmware that erases as it writes
     int busy_answers_ = 0;
+    Instant greets_at_ = never;                   // the running program does
     std::vector<std::uint8_t> heard_in_program_;  // the last bytes, as many as the user code has
 
     std::deque<WireByte> sending_;         // of answers, not yet given out

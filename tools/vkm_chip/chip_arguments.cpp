@@ -1,13 +1,13 @@
 #include "vkm_chip/chip_arguments.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <functional>
 #include <utility>
 #include <vector>
 
 #include "simulators/simulated_chip.h"
+#include "simulators/value_forms.h"
 
 namespace vkm::sim {
 namespace {
@@ -16,15 +16,6 @@ using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
 constexpr double longest_seconds = 86400;
-
-using Apply = bool (*)(ChipArguments&, std::string_view value);
-
-struct Option {
-    std::string_view name;
-    std::string_view value;  // what it is called in the help; empty: the option has none
-    std::string_view help;
-    Apply apply;  // false: the value is of no use
-};
 
 // Sets a whole number that has to lie in a range.
 template <typename Number>
@@ -81,7 +72,7 @@ void work_without_delay(ChipArguments& arguments) {
     arguments.config.option_time = milliseconds{0};
 }
 
-const Option options[] = {
+const Option<ChipArguments> options[] = {
     {"--model", "NAME", "the chip, by its name in the catalogue; VKM47H58RK+ if not told",
      [](ChipArguments& a, std::string_view v) {
          a.config.model = v;
@@ -167,6 +158,24 @@ const Option options[] = {
      [](ChipArguments& a, std::string_view v) {
          return set_number(v, 1, 4e6, a.config.user_code_baud);
      }},
+    {"--greeting", "TEXT", "what its program says when it starts; \\r, \\n, \\xHH and \\\\ in it",
+     [](ChipArguments& a, std::string_view v) {
+         const auto text = parse_text(v);
+         a.config.greeting = text.value_or(std::vector<std::uint8_t>{});
+         return text.has_value();
+     }},
+    {"--greeting-baud", "BAUD", "rate at which it says that, 115200 if not told",
+     [](ChipArguments& a, std::string_view v) {
+         return set_number(v, 1, 4e6, a.config.greeting_baud);
+     }},
+    {"--greeting-after", "MS", "from the program's start to its greeting, 300 if not told",
+     [](ChipArguments& a, std::string_view v) {
+         return set_duration(v, 600'000, a.config.greeting_after);
+     }},
+    {"--greeting-every", "MS", "says it again and again",
+     [](ChipArguments& a, std::string_view v) {
+         return set_duration(v, 600'000, a.config.greeting_every);
+     }},
     {"--power-after", "S", "has power only so many seconds after the start",
      [](ChipArguments& a, std::string_view v) { return set_seconds(v, a.power_after); }},
     {"--off", "", "has no power until the command \"on\"",
@@ -184,11 +193,6 @@ const Option options[] = {
          if (fault) a.config.faults.push_back(*fault);
          return fault.has_value();
      }},
-    {"--link", "PATH", "symbolic link to the terminal, removed at the end",
-     [](ChipArguments& a, std::string_view v) {
-         a.link = v;
-         return !v.empty();
-     }},
     {"--load-flash", "FILE", "what the flash holds at the start",
      [](ChipArguments& a, std::string_view v) {
          a.load_flash = v;
@@ -200,27 +204,15 @@ const Option options[] = {
          a.save_flash = v;
          return !v.empty();
      }},
-    {"--quiet", "", "tells of nothing but \"ready\" and what is commanded",
-     [](ChipArguments& a, std::string_view) {
-         a.quiet = true;
-         return true;
-     }},
-    {"--until-eof", "", "ends when standard input does",
-     [](ChipArguments& a, std::string_view) {
-         a.until_eof = true;
-         return true;
-     }},
     {"--models", "", "lists the models and ends",
      [](ChipArguments& a, std::string_view) {
          a.list_models = true;
          return true;
      }},
-    {"--help", "", "tells all this and ends",
-     [](ChipArguments& a, std::string_view) {
-         a.help = true;
-         return true;
-     }},
 };
+
+const OptionGroup<ChipArguments> all_options[] = {{"", options},
+                                                  {"", program_option_rows<ChipArguments>}};
 
 constexpr std::string_view help_head =
     "vkm-chip [OPTION]...\n"
@@ -260,30 +252,12 @@ constexpr std::string_view help_tail =
     "connected, rate, erasing, erased, block, option_frame, options, busy, started,\n"
     "objection (what the chip found wrong with a frame), saved, pulled, ready.\n";
 
-std::string write_usage() {
-    std::string text{help_head};
-    for (const Option& option : options) {
-        std::string line = "  " + std::string(option.name);
-        if (!option.value.empty()) line += " " + std::string(option.value);
-        line.resize(std::max<std::size_t>(line.size() + 2, 30), ' ');
-        text += line + std::string(option.help) + "\n";
-    }
-    return text + std::string(help_tail);
-}
-
 }  // namespace
 
 std::string_view usage() {
-    static const std::string text = write_usage();
+    static const std::string text =
+        std::string(help_head) + options_help(all_options) + std::string(help_tail);
     return text;
-}
-
-std::optional<double> parse_number(std::string_view text, double least, double most) {
-    double number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    const bool whole = error == std::errc{} && end == text.data() + text.size() && !text.empty();
-    if (!whole || !(number >= least && number <= most)) return std::nullopt;
-    return number;
 }
 
 std::optional<double> parse_clock(std::string_view text) {
@@ -302,41 +276,9 @@ std::optional<int> parse_version(std::string_view text) {
     return digits->front();
 }
 
-std::optional<std::vector<std::uint8_t>> parse_bytes(std::string_view hex) {
-    if (hex.empty() || hex.size() % 2 != 0) return std::nullopt;
-    std::vector<std::uint8_t> bytes;
-    for (std::size_t i = 0; i < hex.size(); i += 2) {
-        std::uint8_t byte = 0;
-        const auto [end, error] = std::from_chars(hex.data() + i, hex.data() + i + 2, byte, 16);
-        if (error != std::errc{} || end != hex.data() + i + 2) return std::nullopt;
-        bytes.push_back(byte);
-    }
-    return bytes;
-}
-
-ArgumentsRead read_arguments(std::span<const char* const> arguments) {
+ArgumentsRead read_arguments(std::span<const char* const> words) {
     ArgumentsRead read;
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string name = arguments[i];
-        const auto* option = std::find_if(std::begin(options), std::end(options),
-                                          [&](const Option& row) { return row.name == name; });
-        if (option == std::end(options)) {
-            read.error = "there is no option " + name;
-            return read;
-        }
-        std::string_view value;
-        if (!option->value.empty()) {
-            if (i + 1 == arguments.size()) {
-                read.error = name + " needs a value";
-                return read;
-            }
-            value = arguments[++i];
-        }
-        if (!option->apply(read.arguments, value)) {
-            read.error = name + " can't be \"" + std::string(value) + "\"";
-            return read;
-        }
-    }
+    read.error = apply_options(all_options, words, read.arguments);
     return read;
 }
 

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "simulators/byte_values.h"
+
 namespace vkm::sim {
 namespace {
 

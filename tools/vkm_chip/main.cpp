@@ -1,179 +1,62 @@
-// vkm-chip: a simulated chip on a pseudo-terminal. One thread, which sleeps until
-// the host has written, somebody commands, or the line's next byte is due.
-#include <poll.h>
-#include <signal.h>
-#include <sys/prctl.h>
-#include <sys/signalfd.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <array>
+// vkm-chip: a simulated chip on a pseudo-terminal.
 #include <cstdio>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "catalogue/model_table.h"
+#include "pseudo_terminal/target_program.h"
 #include "simulators/simulated_chip.h"
 #include "vkm_chip/chip_arguments.h"
 #include "vkm_chip/chip_control.h"
 #include "vkm_chip/chip_reports.h"
 #include "vkm_chip/flash_file.h"
-#include "vkm_chip/paced_line.h"
-#include "vkm_chip/pseudo_terminal.h"
+#include "vkm_chip/line_meter.h"
 
 namespace vkm::sim {
 namespace {
 
-constexpr std::size_t longest_command = 4096;
-
-Instant now_instant() {
-    return std::chrono::time_point_cast<std::chrono::microseconds>(
-        std::chrono::steady_clock::now());
+bool fill_flash(SimulatedChip& chip, const std::string& path) {
+    if (path.empty()) return true;
+    const auto bytes = load_flash(path, chip.flash().size());
+    if (bytes) chip.load_flash(*bytes);
+    return bytes.has_value();
 }
 
-// A reader that doesn't read must not hold up the chip: what finds no room is dropped.
-void print_line(const std::string& text) {
-    const std::string line = text + "\n";
-    pollfd out{STDOUT_FILENO, POLLOUT, 0};
-    if (poll(&out, 1, 0) != 1 || (out.revents & POLLOUT) == 0) return;
-    [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, line.data(), line.size());
+void keep_flash(const SimulatedChip& chip, const std::string& path, TargetProgram& program) {
+    if (path.empty()) return;
+    const bool saved = save_flash(path, chip.flash());
+    program.tell((saved ? "saved " : "error can't write ") + path);
 }
 
-// Signals that end the program become readable, so that it ends in order.
-int open_end_signals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, number);
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
-    signal(SIGPIPE, SIG_IGN);
-    return signalfd(-1, &signals, SFD_CLOEXEC);
+int run(const ChipArguments& arguments) {
+    SimulatedChip chip(arguments.config);
+    if (!fill_flash(chip, arguments.load_flash)) {
+        std::fprintf(stderr, "vkm-chip: %s: can't be read\n", arguments.load_flash.c_str());
+        return 1;
+    }
+    TargetProgram program(chip.target(), arguments.program);
+    LineMeter meter;
+    ChipBench bench{chip, meter};
+    ChipReporter reporter;
+    ProgramWork work;
+    work.command = [&](std::string_view command, Instant now) {
+        return carry_out_command(bench, command, now);
+    };
+    work.turned = [&](Instant now) {
+        for (const std::string& line : reporter.news(chip, now)) program.tell(line);
+        if (reporter.take_rest()) keep_flash(chip, arguments.save_flash, program);
+    };
+    work.host_wrote = [&](Instant now, std::size_t bytes, double baud) {
+        meter.host_wrote(now, bytes, baud);
+    };
+    work.host_was_given = [&](Instant now, std::size_t bytes, double baud) {
+        meter.host_was_given(now, bytes, baud);
+    };
+    const int status = program.run(work);
+    if (status == 0) keep_flash(chip, arguments.save_flash, program);
+    return status;
 }
-
-class Program {
-  public:
-    explicit Program(const ChipArguments& arguments)
-        : arguments_(arguments),
-          chip_(arguments.config),
-          line_(chip_.target()),
-          bench_{chip_, line_, terminal_, meter_, arguments.link} {}
-
-    int run() {
-        if (!prepare()) return 1;
-        while (!bench_.quit) {
-            turn();
-            sleep_until_next();
-        }
-        save();
-        return 0;
-    }
-
-  private:
-    bool prepare() {
-        if (!arguments_.load_flash.empty()) {
-            const auto bytes = load_flash(arguments_.load_flash, chip_.flash().size());
-            if (!bytes) return complain(arguments_.load_flash + ": can't be read");
-            chip_.load_flash(*bytes);
-        }
-        const std::string error = terminal_.plug(arguments_.link);
-        if (!error.empty()) return complain(error);
-        // Wake at the microsecond, not when it suits the system.
-        prctl(PR_SET_TIMERSLACK, 1);
-        signals_ = open_end_signals();
-        print_line("ready " + terminal_.device());
-        return true;
-    }
-
-    static bool complain(const std::string& text) {
-        std::fprintf(stderr, "vkm-chip: %s\n", text.c_str());
-        return false;
-    }
-
-    // All that is due now.
-    void turn() {
-        if (terminal_.plugged()) line_.host_rate(now_instant(), terminal_.host_rate());
-        const Instant now = now_instant();
-        line_.run(now);
-        if (terminal_.plugged()) give_to_host(line_.take_for_host());
-        for (const std::string& text : reporter_.news(chip_, now))
-            if (!arguments_.quiet) print_line(text);
-        tell_lost_bytes();
-        if (reporter_.take_rest()) save();
-    }
-
-    void give_to_host(const std::vector<std::uint8_t>& bytes) {
-        terminal_.write(bytes);
-        meter_.host_was_given(now_instant(), bytes.size(), terminal_.host_rate());
-    }
-
-    void tell_lost_bytes() {
-        if (line_.lost_by_rate_change() == told_lost_) return;
-        told_lost_ = line_.lost_by_rate_change();
-        if (!arguments_.quiet) print_line("objection rate changed while a byte was on the wire");
-    }
-
-    void sleep_until_next() {
-        std::array<pollfd, 3> events{{{signals_, POLLIN, 0},
-                                      {commands_ended_ ? -1 : STDIN_FILENO, POLLIN, 0},
-                                      {terminal_.descriptor(), POLLIN, 0}}};
-        const Instant next = line_.next();
-        timespec wait{};
-        if (next != never) {
-            const auto left = std::max(std::chrono::nanoseconds{0},
-                                       std::chrono::nanoseconds{next - now_instant()});
-            wait.tv_sec = left.count() / 1'000'000'000;
-            wait.tv_nsec = left.count() % 1'000'000'000;
-        }
-        ppoll(events.data(), events.size(), next == never ? nullptr : &wait, nullptr);
-        if (events[2].revents != 0) take_from_host();
-        if (events[1].revents != 0) take_commands();
-        if (events[0].revents != 0) bench_.quit = true;
-    }
-
-    // At once: what lies in the terminal, the host could still take back.
-    void take_from_host() {
-        const std::vector<std::uint8_t> bytes = terminal_.read();
-        const Instant now = now_instant();
-        line_.host_rate(now, terminal_.host_rate());
-        line_.host_writes(now, bytes);
-        meter_.host_wrote(now, bytes.size(), terminal_.host_rate());
-    }
-
-    void take_commands() {
-        std::array<char, 1024> chunk;
-        const ssize_t count = read(STDIN_FILENO, chunk.data(), chunk.size());
-        if (count <= 0) {
-            commands_ended_ = true;
-            if (arguments_.until_eof) bench_.quit = true;
-            return;
-        }
-        command_.append(chunk.data(), static_cast<std::size_t>(count));
-        for (std::size_t end = command_.find('\n'); end != std::string::npos;
-             end = command_.find('\n')) {
-            print_line(carry_out_command(bench_, command_.substr(0, end), now_instant()));
-            command_.erase(0, end + 1);
-        }
-        if (command_.size() > longest_command) command_.clear();
-    }
-
-    void save() {
-        if (arguments_.save_flash.empty()) return;
-        const bool saved = save_flash(arguments_.save_flash, chip_.flash());
-        if (!arguments_.quiet)
-            print_line((saved ? "saved " : "error can't write ") + arguments_.save_flash);
-    }
-
-    ChipArguments arguments_;
-    SimulatedChip chip_;
-    PacedLine line_;
-    PseudoTerminal terminal_;
-    LineMeter meter_;
-    ChipBench bench_;
-    ChipReporter reporter_;
-    int signals_ = -1;
-    int told_lost_ = 0;
-    bool commands_ended_ = false;
-    std::string command_;  // the beginning of one
-};
 
 void list_models() {
     for (const ModelGroup& group : MCU_AP_ISP_range)
@@ -197,9 +80,10 @@ int start(std::span<const char* const> words) {
         list_models();
         return 0;
     }
+    arguments.program.name = "vkm-chip";
     arguments.config.powered_at =
         arguments.power_by_hand ? never : now_instant() + arguments.power_after;
-    return Program(arguments).run();
+    return run(arguments);
 }
 
 }  // namespace

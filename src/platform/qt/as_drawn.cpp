@@ -4,7 +4,6 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QProgressBar>
 #include <QScrollBar>
 #include <QTabBar>
@@ -13,6 +12,7 @@
 #include "platform/qt/fields.h"
 #include "platform/qt/make_widget.h"
 #include "platform/qt/marks.h"
+#include "platform/qt/row_list.h"
 #include "platform/qt/text_mapping.h"
 
 namespace vkm {
@@ -26,10 +26,6 @@ std::string plain(const QString& marked) {
         text += marked[i];
     }
     return from_qt(text);
-}
-
-std::string record_lines(const QString& text) {
-    return from_qt(QString(text).replace(u'\n', QLatin1String("\r\n")));
 }
 
 void read_label(const QLabel& label, Control& drawn) {
@@ -52,11 +48,14 @@ void read_field(const QLineEdit& field, Control& drawn) {
     drawn.SelLength = record_position(drawn.Text, end) - drawn.SelStart;
 }
 
-void read_view(const QPlainTextEdit& view, Control& drawn) {
-    drawn.Text = record_lines(view.toPlainText());
+void read_view(const TextView& view, Control& drawn) {
+    drawn.Text = view.drawn_text();
     const QTextCursor cursor = view.textCursor();
-    drawn.SelStart = record_position(drawn.Text, cursor.selectionStart());
-    drawn.SelLength = record_position(drawn.Text, cursor.selectionEnd()) - drawn.SelStart;
+    const auto place = [&](int position) {
+        return record_position(drawn.Text, view.units_at(position));
+    };
+    drawn.SelStart = place(cursor.selectionStart());
+    drawn.SelLength = place(cursor.selectionEnd()) - drawn.SelStart;
 }
 
 // `text_at` gives the text of each entry.
@@ -91,7 +90,8 @@ void read_content(const QWidget& widget, Control& drawn) {
         case ControlKind::TextBox:
             return read_field(static_cast<const QLineEdit&>(widget), drawn);
         case ControlKind::LogBox:
-            return read_view(static_cast<const QPlainTextEdit&>(widget), drawn);
+        case ControlKind::MemoBox:
+            return read_view(static_cast<const TextView&>(widget), drawn);
         case ControlKind::ComboBox: {
             const auto& combo = static_cast<const QComboBox&>(widget);
             read_entries(
@@ -100,10 +100,12 @@ void read_content(const QWidget& widget, Control& drawn) {
             return;
         }
         case ControlKind::ListBox: {
-            const auto& list = static_cast<const QListWidget&>(widget);
+            const auto& list = static_cast<const RowList&>(widget);
             read_entries(
                 list.count(), [&](int i) { return list.item(i)->text(); }, drawn);
             drawn.ListIndex = list.currentRow();
+            drawn.Selected = list.highlighted();
+            drawn.Value = list.top_row();
             return;
         }
         case ControlKind::TabStrip: {

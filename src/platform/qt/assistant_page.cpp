@@ -8,8 +8,10 @@
 #include "platform/qt/fields.h"
 #include "platform/qt/flow_layout.h"
 #include "platform/qt/form.h"
+#include "platform/qt/long_text_view.h"
 #include "platform/qt/marks.h"
 #include "platform/qt/pages.h"
+#include "platform/qt/text_mapping.h"
 #include "window/main_window.h"
 
 namespace vkm {
@@ -88,28 +90,86 @@ void fill(QWidget* handle, QWidget* bar) {
 }
 
 constexpr int receive_rows = 3;
-constexpr int receive_columns = 12;
+constexpr int send_rows = 2;
+constexpr int text_columns = 12;
+
+// A count of bytes behind its caption; 32 bits go round at 4294967295.
+QWidget* make_count(ScreenView& view, Control& count) {
+    return view.use(count, new Readout(to_qt(count.Caption) + QString(9, u'0'), Qt::AlignLeft));
+}
+
+// Holds a widget to the width of its longest text, where the style would give it that
+// of a usual one.
+class Narrow final : public QObject {
+  public:
+    // `around` is what lies beside the text, in heights of the font.
+    Narrow(QWidget* widget, const QString& longest, double around)
+        : QObject(widget), widget_(widget), longest_(longest), around_(around) {
+        widget->installEventFilter(this);
+        fit();
+    }
+
+  protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::FontChange) fit();
+        return false;
+    }
+
+  private:
+    void fit() {
+        const QFontMetrics font = widget_->fontMetrics();
+        widget_->setMaximumWidth(font.horizontalAdvance(longest_) +
+                                 static_cast<int>(around_ * font.height()));
+    }
+
+    QWidget* widget_;
+    QString longest_;
+    double around_;
+};
+
+QWidget* narrow_button(ScreenView& view, Control& button, const QString& longest) {
+    constexpr double edges = 1.2;
+    new Narrow(view(button), longest, edges);
+    return view(button);
+}
+
+QWidget* narrow_button(ScreenView& view, Control& button) {
+    return narrow_button(view, button, to_qt(button.Caption));
+}
+
+QWidget* narrow_list(ScreenView& view, Control& list, const char* longest) {
+    constexpr double edges_and_arrow = 2.2;
+    new Narrow(view(list), QString::fromLatin1(longest), edges_and_arrow);
+    return view(list);
+}
 
 QWidget* make_receive_panel(ScreenView& view, Screen& s) {
     QWidget* panel = view(s.fraDebug);
-    auto* lines = column(panel);
-    TextView* text = view.text_view(s.texReceive, receive_rows, receive_columns);
-    text->setLineWrapMode(QPlainTextEdit::WidgetWidth);
-    lines->addWidget(text, 1);
-    lines->addWidget(
-        flow_widget({view(s.optReceiveHex[0]), view(s.optReceiveHex[1]), view(s.comDebugClear[0]),
-                     view(s.comDebugHelp[0]), view(s.labReceiveCount), view(s.labSendCount),
-                     view(s.comClearCount)}));
+    auto* text = view.use(s.texReceive, new LongTextView);
+    text->set_size_in_characters(receive_rows, text_columns);
+    column(panel)->addWidget(text);
     return panel;
+}
+
+// Across the whole page: below the panel they would take its height where it is narrow.
+QWidget* make_receive_controls(ScreenView& view, Screen& s) {
+    return flow_widget({view(s.optReceiveHex[0]), view(s.optReceiveHex[1]),
+                        narrow_button(view, s.comDebugClear[0]),
+                        narrow_button(view, s.comDebugHelp[0]), make_count(view, s.labReceiveCount),
+                        make_count(view, s.labSendCount), narrow_button(view, s.comClearCount)});
 }
 
 QWidget* make_single_panel(ScreenView& view, Screen& s) {
     auto* panel = new Group;
     panel->set_caption(QStringLiteral("单字符串发送区 / One text"));
     auto* lines = column(panel);
-    lines->addWidget(view.field(s.texSend, 0));
+    TextView* text = view.text_view(s.texSend, send_rows, text_columns);
+    text->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+    text->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    lines->addWidget(text);
     lines->addWidget(flow_widget({view(s.optHexSend[0]), view(s.optHexSend[1]),
-                                  view(s.comDebugSend), view(s.comClearSend), view(s.comAutoSend),
+                                  narrow_button(view, s.comDebugSend),
+                                  narrow_button(view, s.comClearSend), view(s.comAutoSend),
                                   caption("周期/Cycle (ms):"), view.field(s.texSendCycle, 6)}));
     return panel;
 }
@@ -121,11 +181,9 @@ QWidget* make_list_of_texts(ScreenView& view, Screen& s) {
     grid->setVerticalSpacing(0);
     for (int i = 0; i < static_cast<int>(s.texSpreadSend.size()); ++i) {
         const auto place = static_cast<std::size_t>(i);
-        auto* number = static_cast<QPushButton*>(view(s.comSpreadSendCom[place]));
-        number->setMaximumWidth(number->fontMetrics().horizontalAdvance(QStringLiteral("0000000")));
         grid->addWidget(view(s.cheSpreadHex[place]), i, 0);
         grid->addWidget(view.field(s.texSpreadSend[place], 0), i, 1);
-        grid->addWidget(number, i, 2);
+        grid->addWidget(narrow_button(view, s.comSpreadSendCom[place], "000"), i, 2);
     }
     grid->setRowStretch(static_cast<int>(s.texSpreadSend.size()), 1);
     return list;
@@ -141,12 +199,17 @@ QWidget* make_spread_panel(ScreenView& view, Screen& s) {
     return panel;
 }
 
+QWidget* clickable(QWidget* lamp) {
+    lamp->setCursor(Qt::PointingHandCursor);
+    return lamp;
+}
+
 QWidget* make_port_panel(ScreenView& view, Screen& s) {
-    return flow_widget({caption("串口/Port:"), view(s.com_Debug_COM), view(s.com_Debug_Baud),
-                        view(s.com_Debug_DataBits), view(s.com_Debug_ParityCheck),
-                        view(s.com_Debug_StopBits), view(s.comOpenCOM),
-                        view.use(s.imgOpen, new Lamp(true)), view(s.imgNotOpen),
-                        view(s.che_AutoOpenPort)});
+    return flow_widget({view(s.com_Debug_COM), view(s.com_Debug_Baud),
+                        narrow_list(view, s.com_Debug_DataBits, "8"), view(s.com_Debug_ParityCheck),
+                        narrow_list(view, s.com_Debug_StopBits, "1.5"), view(s.comOpenCOM),
+                        clickable(view.use(s.imgOpen, new Lamp(true))),
+                        clickable(view(s.imgNotOpen)), view(s.che_AutoOpenPort)});
 }
 
 }  // namespace
@@ -160,13 +223,14 @@ QWidget* make_assistant_page(ScreenView& view, Screen& s, OperatorQueue& queue) 
 
     auto* panels = new PanelSplitter(s.window, queue);
     panels->addWidget(make_receive_panel(view, s));
-    panels->addWidget(sending);
+    panels->addWidget(scrolling(sending));
     view.use(s.ImgSplitter, panels->handle(1));
     fill(panels->handle(1), view.use(s.picSplitter, new QWidget));
 
     auto* page = new QWidget;
     auto* column_of_page = column(page);
     column_of_page->addWidget(panels, 1);
+    column_of_page->addWidget(make_receive_controls(view, s));
     column_of_page->addWidget(make_port_panel(view, s));
     QWidget* area = scrolling(page);
     new Follower(view(s.fraDebug), area);

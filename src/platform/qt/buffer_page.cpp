@@ -64,7 +64,7 @@ QWidget* make_buffer_page(ScreenView& view, Control& frame, Control& filled, Con
     auto* scroll_bar = static_cast<QScrollBar*>(view(bar));
     below->setFocusPolicy(Qt::NoFocus);
     below->setAttribute(Qt::WA_TransparentForMouseEvents);
-    above->show_selection_always();
+    above->keep_selection_visible();
     new WheelToBar(above->viewport(), scroll_bar);
     auto* grid = new QGridLayout;
     grid->setSpacing(0);

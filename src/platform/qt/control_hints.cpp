@@ -17,6 +17,9 @@ constexpr const char* number_length_hint = "编号占用的字节数 / Bytes of 
 constexpr const char* next_number_hint = "下一片的编号 (10进制); 0 不递增 / The next chip's number (decimal); 0 is not counted up";
 constexpr const char* increment_hint = "每片成功后加上的数 / Added after each good chip";
 
+// The same for the three lists of bytes.
+constexpr const char* memory_hint = "高亮: 上次停止后改变的行; Ctrl+C 复制选中的行 / Highlighted: changed since the last stop. Ctrl+C copies the selected rows";
+
 constexpr ControlHint hints[] = {
     // Step 1
     {"Command3", -1, 0, "选择型号 / Choose the model"},
@@ -55,17 +58,40 @@ constexpr ControlHint hints[] = {
     {"tetDataFlash2", -1, 0, edit_hint},
     // Monitor
     {"comDebugContinue", -1, 0, "让停在断点的程序继续 / Lets a stopped program go on"},
-    {"che_disable_Debug_SFR_232", -1, 'b', "停止回发 / The target sends no more registers"},
+    {"che_disable_Debug_SFR_232", -1, 'b', "收到数据后不自动应答 / The target's dumps are no longer answered by the tool"},
+    {"comDebugClear", 1, 0, "清空寄存器和存储器列表 / The lists as they were at the start"},
+    {"comDebugClear", 2, 0, "清空寄存器和存储器列表 / The lists as they were at the start"},
+    {"comDebugHelp", 1, 0, "使用说明在串口调试助手中 / The help stands on the page of the serial terminal"},
+    {"lst_debug1", -1, 0, "高亮: 上次停止后改变的寄存器; Ctrl+C 复制选中的行 / Highlighted: changed since the last stop. Ctrl+C copies the selected rows"},
+    {"lst_debug2", -1, 0, memory_hint},
+    {"lst_debug3", -1, 0, memory_hint},
+    {"lst_debug4", -1, 0, memory_hint},
     // Assistant
     {"optReceiveHex", -1, 0, "接收区的显示方式 / How received bytes are shown"},
     {"optHexSend", -1, 0, "发送区的内容 / What the text to send is"},
-    {"comDebugClear", -1, 0, "清空接收的内容 / Empties what was received"},
+    {"texReceive", -1, 0, "接收的内容; 串口打开时在此按键即发送 / What is received; keys typed here are sent at once while the port is open"},
+    {"comDebugClear", 0, 0, "清空接收的内容 / Empties what was received"},
     {"comClearCount", -1, 0, "两个计数清零 / Both counts back to 0"},
-    {"texSend", -1, 0, "要发送的字符串 / The text to send"},
+    {"comDebugHelp", 0, 0, "在接收区显示使用说明 / Shows the help in the place of the received text"},
+    {"labReceiveCount", -1, 0, "收到的字节数 / Bytes received"},
+    {"labSendCount", -1, 0, "发送的字节或字符数 / Bytes or characters sent"},
+    {"texSend", -1, 0, "要发送的字符串, 每个换行发送为回车换行 / The text to send; each line end is sent as CR LF"},
+    {"comDebugSend", -1, 0, "发送一次 / Sends it once"},
+    {"comClearSend", -1, 0, "清空要发送的字符串 / Empties the text to send"},
+    {"comAutoSend", -1, 0, "每个周期发送一次, 再次点击停止 / Sends it once in each cycle; click again to stop"},
     {"texSendCycle", -1, 0, "自动发送周期 (毫秒) / Cycle of the automatic sending (ms)"},
     {"texSpreadSendCycle", -1, 0, "两个字符串之间的毫秒数 / Milliseconds between two texts"},
+    {"comSpreadAutoSend", -1, 0, "依次发送各行非空的字符串, 再次点击停止 / Sends the texts that aren't blank one after the other; click again to stop"},
+    {"texSpreadSend", -1, 0, "要发送的字符串 / A text to send"},
     {"cheSpreadHex", -1, 0, "按十六进制发送 / Send as hexadecimal bytes"},
     {"comSpreadSendCom", -1, 0, "发送这一行 / Send this line"},
+    {"com_Debug_COM", -1, 0, "串口调试助手的串口 / The port of the terminal"},
+    {"com_Debug_Baud", -1, 0, "波特率; 选择后立即打开或关闭串口 / Baud; choosing a rate opens or closes the port"},
+    {"com_Debug_DataBits", -1, 0, "数据位 / Data bits"},
+    {"com_Debug_ParityCheck", -1, 0, "校验 / Parity"},
+    {"com_Debug_StopBits", -1, 0, "停止位 / Stop bits"},
+    {"comOpenCOM", -1, 0, "按左边的设置打开或关闭串口 / Opens the port with the settings on the left, or closes it"},
+    {"che_AutoOpenPort", -1, 0, "下载结束后自动打开此串口, 观察用户程序 / Opens this port after each download, so that the program is seen at work"},
     {"imgOpen", -1, 0, "串口已打开, 点击关闭 / The port is open; click to close it"},
     {"imgNotOpen", -1, 0, "串口已关闭, 点击打开 / The port is closed; click to open it"},
     {"ImgSplitter", -1, 0, "拖动以改变宽度 / Drag to change the widths"},

@@ -3,7 +3,6 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QListWidget>
 #include <QProgressBar>
 #include <QRadioButton>
 #include <QScrollBar>
@@ -18,6 +17,7 @@
 #include "platform/qt/make_widget.h"
 #include "platform/qt/marks.h"
 #include "platform/qt/option_panel_view.h"
+#include "platform/qt/row_list.h"
 #include "platform/qt/text_mapping.h"
 
 namespace vkm {
@@ -69,25 +69,18 @@ void draw_field(const Control& now, const Control& before, QLineEdit& field) {
         field.setCursorPosition(start);
 }
 
-// A text that only grew is added to, so that a long log costs no more than a short one.
-void draw_lines(const Control& now, const Control& before, TextView& view) {
-    const bool grew = now.Text.starts_with(before.Text) && !before.Text.ends_with('\r');
-    if (!grew) {
-        view.setPlainText(widget_lines(now.Text));
-        return;
-    }
-    QTextCursor end(view.document());
-    end.movePosition(QTextCursor::End);
-    end.insertText(widget_lines(std::string_view(now.Text).substr(before.Text.size())));
-}
-
 void draw_view(const Control& now, const Control& before, TextView& view) {
     const int sideways = view.horizontalScrollBar()->value();
-    if (now.Text != before.Text) draw_lines(now, before, view);
+    // A text that only grew is added to, so that a long log costs no more than a short one.
+    const bool grew = now.Text.starts_with(before.Text);
+    if (now.Text != before.Text) view.draw_text(now.Text, grew ? before.Text.size() : 0);
     QTextCursor cursor = view.textCursor();
-    cursor.setPosition(widget_position(now.Text, now.SelStart));
-    cursor.setPosition(widget_position(now.Text, now.SelStart + now.SelLength),
-                       QTextCursor::KeepAnchor);
+    const auto place = [&](std::int32_t position) {
+        return view.document_position(widget_position(now.Text, position));
+    };
+    cursor.setPosition(place(now.SelStart));
+    if (now.SelLength > 0)
+        cursor.setPosition(place(now.SelStart + now.SelLength), QTextCursor::KeepAnchor);
     view.setTextCursor(cursor);
     view.ensureCursorVisible();
     // A page that is scrolled shows the columns that the one before showed.
@@ -104,12 +97,17 @@ void draw_combo(const Control& now, const Control& before, QComboBox& combo) {
     combo.setCurrentIndex(now.ListIndex);
 }
 
-void draw_list(const Control& now, const Control& before, QListWidget& list) {
+// What the logic has not changed stays as the operator has put it.
+void draw_list(const Control& now, const Control& before, RowList& list) {
+    const bool anew = now.List.size() != before.List.size();
     if (now.List != before.List) {
-        list.clear();
-        for (const Entry& entry : now.List) list.addItem(to_qt(entry.Text));
+        QStringList texts;
+        for (const Entry& entry : now.List) texts.append(to_qt(entry.Text));
+        list.set_texts(texts);
     }
-    list.setCurrentRow(now.ListIndex);
+    if (anew || now.ListIndex != before.ListIndex) list.set_current(now.ListIndex);
+    if (anew || now.Selected != before.Selected) list.highlight(now.Selected);
+    if (anew || now.Value != before.Value) list.set_top_row(now.Value);
 }
 
 void draw_tabs(const Control& now, QTabBar& tabs) {
@@ -182,11 +180,12 @@ void draw_content(const Control& now, const Control& before, QWidget& widget) {
         case ControlKind::TextBox:
             return draw_field(now, before, static_cast<QLineEdit&>(widget));
         case ControlKind::LogBox:
+        case ControlKind::MemoBox:
             return draw_view(now, before, static_cast<TextView&>(widget));
         case ControlKind::ComboBox:
             return draw_combo(now, before, static_cast<QComboBox&>(widget));
         case ControlKind::ListBox:
-            return draw_list(now, before, static_cast<QListWidget&>(widget));
+            return draw_list(now, before, static_cast<RowList&>(widget));
         case ControlKind::TabStrip:
             return draw_tabs(now, static_cast<QTabBar&>(widget));
         case ControlKind::TreeView:

@@ -1,13 +1,26 @@
 #include "platform/qt/fields.h"
 
 #include <QEvent>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <algorithm>
+#include <cmath>
 
 #include "platform/qt/fonts.h"
+#include "platform/qt/selection_colours.h"
+#include "platform/qt/text_mapping.h"
 
 namespace vkm {
+namespace {
+
+// A line takes whole pixels above and below its ground line.
+int row_height(const QFontMetricsF& font) {
+    return static_cast<int>(std::ceil(font.ascent()) + std::ceil(font.descent()) +
+                            std::ceil(font.leading()));
+}
+
+}  // namespace
 
 void Field::set_columns(int columns) {
     columns_ = columns;
@@ -57,6 +70,24 @@ TextView::TextView() {
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
 }
 
+void TextView::allow_typing() {
+    setReadOnly(false);
+    setUndoRedoEnabled(true);
+}
+
+void TextView::draw_text(std::string_view text, std::size_t unchanged) {
+    if (unchanged == 0) return setPlainText(widget_lines(text));
+    // A break that came in two pieces was drawn with its first one.
+    if (text.substr(unchanged - 1).starts_with("\r\n")) ++unchanged;
+    QTextCursor end(document());
+    end.movePosition(QTextCursor::End);
+    end.insertText(widget_lines(text.substr(unchanged)));
+}
+
+std::string TextView::drawn_text() const {
+    return record_lines(toPlainText());
+}
+
 void TextView::set_size_in_characters(int rows, int columns) {
     rows_ = rows;
     columns_ = columns;
@@ -64,10 +95,13 @@ void TextView::set_size_in_characters(int rows, int columns) {
 }
 
 QSize TextView::minimumSizeHint() const {
-    const int margins = 2 * (frameWidth() + static_cast<int>(document()->documentMargin()));
+    const int margin = static_cast<int>(document()->documentMargin());
+    const int around = 2 * (frameWidth() + margin);
+    // Below this the toolkit begins to scroll, which a box that is typed into must not.
+    const int beyond = isReadOnly() ? 0 : margin + 1;
     const int width = columns_ * fontMetrics().horizontalAdvance(u'0');
-    return {width + margins + verticalScrollBar()->sizeHint().width(),
-            rows_ * fontMetrics().lineSpacing() + margins};
+    return {width + around + verticalScrollBar()->sizeHint().width(),
+            rows_ * row_height(QFontMetricsF(font())) + around + beyond};
 }
 
 int TextView::rows_in_sight() const {
@@ -76,9 +110,9 @@ int TextView::rows_in_sight() const {
     return line > 0 ? static_cast<int>(std::max(room, 0.0) / line) : 0;
 }
 
-void TextView::show_selection_always() {
+void TextView::keep_selection_visible() {
     selection_always_ = true;
-    copy_selection_colours();
+    show_selection_always(*this);
 }
 
 void TextView::resizeEvent(QResizeEvent* event) {
@@ -89,20 +123,12 @@ void TextView::resizeEvent(QResizeEvent* event) {
 void TextView::changeEvent(QEvent* event) {
     QPlainTextEdit::changeEvent(event);
     if (event->type() == QEvent::FontChange) on_resize();
-    if (event->type() == QEvent::PaletteChange && selection_always_) copy_selection_colours();
+    if (event->type() == QEvent::PaletteChange && selection_always_) show_selection_always(*this);
 }
 
-// Setting a palette is told as a change of it: the second time there is nothing to do.
-void TextView::copy_selection_colours() {
-    QPalette colours = palette();
-    for (const auto role : {QPalette::Highlight, QPalette::HighlightedText})
-        colours.setBrush(QPalette::Inactive, role, colours.brush(QPalette::Active, role));
-    if (colours != palette()) setPalette(colours);
-}
-
-Readout::Readout(int columns) : columns_(columns) {
+Readout::Readout(const QString& widest, Qt::Alignment side) : widest_(widest) {
     setTextFormat(Qt::PlainText);
-    setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    setAlignment(side | Qt::AlignVCenter);
     fix_size();
 }
 
@@ -112,7 +138,18 @@ void Readout::changeEvent(QEvent* event) {
 }
 
 void Readout::fix_size() {
-    setFixedSize(fontMetrics().horizontalAdvance(QString(columns_, u'0')), fontMetrics().height());
+    setFixedSize(fontMetrics().horizontalAdvance(widest_), fontMetrics().height());
+}
+
+OneLine::OneLine() {
+    setTextFormat(Qt::PlainText);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+}
+
+void OneLine::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QString fitting = fontMetrics().elidedText(text(), Qt::ElideMiddle, width());
+    painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter, fitting);
 }
 
 void ColumnLabel::align(const QList<ColumnLabel*>& column) {

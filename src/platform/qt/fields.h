@@ -8,6 +8,8 @@
 #include <QList>
 #include <QPlainTextEdit>
 #include <functional>
+#include <string>
+#include <string_view>
 
 namespace vkm {
 
@@ -29,9 +31,9 @@ class Field final : public QLineEdit {
     int columns_ = 0;
 };
 
-// Many lines of monospaced text that nobody types into, never smaller than so
-// many rows and columns.
-class TextView final : public QPlainTextEdit {
+// Many lines of monospaced text, never smaller than so many rows and columns.
+// Nobody types into it unless that is allowed.
+class TextView : public QPlainTextEdit {
   public:
     TextView();
     void set_size_in_characters(int rows, int columns);
@@ -43,8 +45,22 @@ class TextView final : public QPlainTextEdit {
     int rows_in_sight() const;
     std::function<void()> on_resize = [] {};
 
+    // Draws a record's text, of which so many bytes at its beginning stand there already.
+    virtual void draw_text(std::string_view text, std::size_t unchanged);
+
+    // What is drawn, as a record holds it.
+    virtual std::string drawn_text() const;
+
+    // A place among the code units of the text as text_mapping.h counts them, and the
+    // document's own for it.
+    virtual int document_position(int units) const { return units; }
+    virtual int units_at(int document_position) const { return document_position; }
+
+    // Makes it a box that is typed into.
+    void allow_typing();
+
     // What is selected looks the same without the keyboard as with it.
-    void show_selection_always();
+    void keep_selection_visible();
 
     // Does what the key does in a text box.
     void act_on(QKeyEvent& key) { keyPressEvent(&key); }
@@ -54,18 +70,16 @@ class TextView final : public QPlainTextEdit {
     void changeEvent(QEvent* event) override;
 
   private:
-    void copy_selection_colours();
-
     bool selection_always_ = false;
     int rows_ = 4;
     int columns_ = 20;
 };
 
-// A value that changes all the time, in a place of fixed size: so many digits
-// wide. A label would have the whole window laid out anew for each value.
+// A value that changes all the time, in a place of fixed size: that of its widest
+// text. A label would have the whole window laid out anew for each value.
 class Readout final : public QLabel {
   public:
-    explicit Readout(int columns);
+    Readout(const QString& widest, Qt::Alignment side);
 
   protected:
     void changeEvent(QEvent* event) override;
@@ -73,7 +87,16 @@ class Readout final : public QLabel {
   private:
     void fix_size();
 
-    int columns_;
+    QString widest_;
+};
+
+// A text of one line whatever the width: what finds no room is left out of the middle.
+class OneLine final : public QLabel {
+  public:
+    OneLine();
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
 };
 
 // A label as wide as the widest of its column, so that forms below each other

@@ -5,9 +5,11 @@
 
 namespace vkm {
 
+inline constexpr int backspace_code = 8;
 inline constexpr int tab_code = 9;
 inline constexpr int return_code = 13;
 inline constexpr int escape_code = 27;
+inline constexpr int delete_code = 46;
 
 // 8 Backspace, 9 Tab, 13 Return, 27 Escape, 33 Page Up, 34 Page Down, 35 End,
 // 36 Home, 37 to 40 the arrows left, up, right, down, 45 Insert, 46 Delete, and
@@ -15,7 +17,7 @@ inline constexpr int escape_code = 27;
 constexpr int key_code(int qt_key) {
     switch (qt_key) {
         case Qt::Key_Backspace:
-            return 8;
+            return backspace_code;
         case Qt::Key_Tab:
         case Qt::Key_Backtab:
             return tab_code;
@@ -43,7 +45,7 @@ constexpr int key_code(int qt_key) {
         case Qt::Key_Insert:
             return 45;
         case Qt::Key_Delete:
-            return 46;
+            return delete_code;
         default:
             break;
     }

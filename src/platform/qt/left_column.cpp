@@ -126,9 +126,10 @@ constexpr int kilobyte_columns = 8;  // "62.000K"
 QLayout* make_buttons(ScreenView& view, Screen& s) {
     auto* bar = static_cast<QProgressBar*>(keeping_its_place(view(s.ProgressBar1)));
     bar->setTextVisible(false);
-    auto* line = row({view.use(s.comDownload[0], new AccentButton), view(s.comDownload[1]),
-                      view(s.comStop_Download), view(s.Command2), bar,
-                      view.use(s.labKbyte, new Readout(kilobyte_columns))});
+    auto* line =
+        row({view.use(s.comDownload[0], new AccentButton), view(s.comDownload[1]),
+             view(s.comStop_Download), view(s.Command2), bar,
+             view.use(s.labKbyte, new Readout(QString(kilobyte_columns, u'0'), Qt::AlignRight))});
     line->setStretchFactor(bar, 1);
     // Letters of another typeface make a button higher: all take the row's height.
     for (Control* button : {&s.comDownload[0], &s.comDownload[1], &s.comStop_Download})

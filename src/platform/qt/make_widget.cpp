@@ -3,7 +3,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
-#include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -13,8 +12,8 @@
 
 #include "platform/qt/control_hints.h"
 #include "platform/qt/fields.h"
-#include "platform/qt/fonts.h"
 #include "platform/qt/marks.h"
+#include "platform/qt/row_list.h"
 
 namespace vkm {
 namespace {
@@ -25,6 +24,12 @@ QWidget* make_label() {
     return label;
 }
 
+QWidget* make_memo() {
+    auto* memo = new TextView;
+    memo->allow_typing();
+    return memo;
+}
+
 QWidget* make_combo() {
     auto* combo = new QComboBox;
     combo->setSizeAdjustPolicy(QComboBox::AdjustToContents);
@@ -33,13 +38,6 @@ QWidget* make_combo() {
     // chosen first.
     combo->setFocusPolicy(Qt::StrongFocus);
     return combo;
-}
-
-QWidget* make_list() {
-    auto* list = new QListWidget;
-    list->setFont(monospaced_font());
-    list->setUniformItemSizes(true);
-    return list;
 }
 
 QWidget* make_tabs() {
@@ -68,6 +66,8 @@ QWidget* make(ControlKind kind) {
             return new Field;
         case ControlKind::LogBox:
             return new TextView;
+        case ControlKind::MemoBox:
+            return make_memo();
         case ControlKind::CheckBox:
             return new QCheckBox;
         case ControlKind::OptionButton:
@@ -75,7 +75,7 @@ QWidget* make(ControlKind kind) {
         case ControlKind::ComboBox:
             return make_combo();
         case ControlKind::ListBox:
-            return make_list();
+            return new RowList;
         case ControlKind::TabStrip:
             return make_tabs();
         case ControlKind::TreeView:

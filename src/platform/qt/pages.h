@@ -14,6 +14,10 @@ namespace vkm {
 QWidget* make_view_strip(ScreenView& view, Screen& screen, OperatorQueue& queue, LockMark* lock);
 QWidget* make_tool_strip(ScreenView& view, Screen& screen);
 
+// The pages of a stopped target: its registers and RAM, and its XRAM.
+QWidget* make_register_page(ScreenView& view, Screen& screen);
+QWidget* make_memory_page(ScreenView& view, Screen& screen);
+
 // The page of the serial assistant: the panel fraDebug, a splitter, and beside
 // it what is sent.
 QWidget* make_assistant_page(ScreenView& view, Screen& screen, OperatorQueue& queue);

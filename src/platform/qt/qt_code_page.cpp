@@ -20,10 +20,12 @@ Codec codec() {
 
 }  // namespace
 
+// A decoder keeps half a character at the end for the bytes to come, and there are none.
+// A line feed, which no character continues with, brings it out.
 std::string QtCodePage::to_screen(std::string_view bytes) const {
     auto decoder = codec<QStringDecoder>();
-    const QString text =
-        decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
+    QString text = decoder(QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())) + '\n');
+    text.chop(1);
     return from_qt(text);
 }
 

@@ -64,6 +64,13 @@ void QtDialogs::show_text(std::string_view text, std::string_view title) {
     show_box(box, text, title);
 }
 
+void QtDialogs::show_warning(std::string_view text, std::string_view title) {
+    QMessageBox box(window);
+    box.setIcon(QMessageBox::Warning);
+    box.setStandardButtons(QMessageBox::Ok);
+    show_box(box, text, title);
+}
+
 bool QtDialogs::ask_yes_no(std::string_view text, std::string_view title) {
     QMessageBox box(window);
     box.setIcon(QMessageBox::Question);
@@ -99,7 +106,7 @@ void QtDialogs::wait_for(QDialog& dialog) {
 int QtDialogs::show_box(QMessageBox& box, std::string_view text, std::string_view title) {
     box.setTextFormat(Qt::PlainText);
     box.setText(widget_lines(text));
-    box.setWindowTitle(title.empty() ? program_title : to_qt(title).trimmed());
+    box.setWindowTitle(title.empty() ? program_title : to_qt(title));
     keep_lines(box);
     if (box_shown) box_shown(box);
     wait_for(box);

@@ -19,6 +19,7 @@ namespace vkm {
 class QtDialogs final : public Dialogs {
   public:
     void show_text(std::string_view text, std::string_view title) override;
+    void show_warning(std::string_view text, std::string_view title) override;
     bool ask_yes_no(std::string_view text, std::string_view title) override;
     std::string ask_file_to_open(const FileQuestion& question) override;
     std::string ask_file_to_save(const FileQuestion& question) override;

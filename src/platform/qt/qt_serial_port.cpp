@@ -69,7 +69,10 @@ bool QtSerialPort::is_open() const {
 
 bool QtSerialPort::set_settings(std::string_view text) {
     const auto wanted = parse_port_settings(text);
-    if (!wanted) return false;
+    if (!wanted) {
+        reason_ = reason_of_refused_settings(name(), std::string(text));
+        return false;
+    }
     if (is_open() && text != settings_) {
         wait_for_output();
         if (!apply(*wanted) || !runs_at(wanted->baud)) {

@@ -29,6 +29,7 @@ class QtSerialPort final : public SerialPort {
     bool set_settings(std::string_view settings) override;
     std::string settings() const override { return settings_; }
     int open() override;
+    std::string reason_text() const override { return reason_.text; }
     void close() override;
     bool is_open() const override;
     void set_read_length(int length) override { read_length_ = length; }

@@ -64,7 +64,8 @@ class ScreenView final : public QObject {
         Control drawn;  // the record as it was last drawn or heard
         QWidget* widget = nullptr;
         QButtonGroup* set = nullptr;
-        int texts_drawn = 0;  // counts the changes of Text by the logic
+        int keys_waiting = 0;  // typed into a text view, not yet worked off
+        int texts_drawn = 0;   // counts the changes of Text by the logic
     };
 
     Binding& binding(const Control& control);
@@ -79,7 +80,11 @@ class ScreenView final : public QObject {
     void hear_button(Binding& binding);
     void hear_field(Binding& binding);
     void hear_view(Binding& binding);
+    void hear_memo(Binding& binding);
+    void hear_caret(Binding& binding);
+    void follow_caret(Binding& binding);
     void hear_rows(Binding& binding);
+    void hear_list(Binding& binding);
     void hear_selection(Binding& binding, int start, int end);
     void hear_index(Binding& binding, int index);
     void hear_value(Binding& binding, int value);

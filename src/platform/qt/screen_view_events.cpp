@@ -3,7 +3,6 @@
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QKeyEvent>
-#include <QListWidget>
 #include <QScrollBar>
 #include <QTabBar>
 #include <QTreeWidget>
@@ -12,11 +11,38 @@
 #include "platform/qt/fields.h"
 #include "platform/qt/key_codes.h"
 #include "platform/qt/make_widget.h"
+#include "platform/qt/row_list.h"
 #include "platform/qt/screen_view.h"
 #include "platform/qt/text_mapping.h"
 #include "window/wiring.h"
 
 namespace vkm {
+namespace {
+
+// What a key types: the toolkit leaves it to the system whether those that edit type
+// anything.
+QString typed_text(const QKeyEvent& key) {
+    switch (key_code(key.key())) {
+        case backspace_code:
+        case return_code:
+        case escape_code:
+            return QChar(key_code(key.key()));
+        case delete_code:
+            return {};
+        default:
+            return key.text();
+    }
+}
+
+// The key that types third characters is told as both Ctrl and Alt on some systems.
+bool is_command(const QKeyEvent& key, const QString& text) {
+    constexpr auto third = Qt::ControlModifier | Qt::AltModifier;
+    const bool types_third =
+        (key.modifiers() & third) == third && !text.isEmpty() && text[0].isPrint();
+    return !types_third && (key.modifiers() & (third | Qt::MetaModifier));
+}
+
+}  // namespace
 
 // What the operator changes stands in the record, and counts as drawn.
 template <typename Change>
@@ -77,14 +103,23 @@ void ScreenView::hear_field(Binding& binding) {
     });
 }
 
+void ScreenView::hear_caret(Binding& binding) {
+    const auto* view = static_cast<TextView*>(binding.widget);
+    const QTextCursor cursor = view->textCursor();
+    hear_selection(binding, view->units_at(cursor.selectionStart()),
+                   view->units_at(cursor.selectionEnd()));
+}
+
+void ScreenView::follow_caret(Binding& binding) {
+    auto* view = static_cast<TextView*>(binding.widget);
+    const auto caret = [this, &binding] { hear_caret(binding); };
+    connect(view, &QPlainTextEdit::selectionChanged, this, caret);
+    connect(view, &QPlainTextEdit::cursorPositionChanged, this, caret);
+}
+
 void ScreenView::hear_view(Binding& binding) {
     auto* view = static_cast<TextView*>(binding.widget);
-    const auto selection = [this, &binding, view] {
-        const QTextCursor cursor = view->textCursor();
-        hear_selection(binding, cursor.selectionStart(), cursor.selectionEnd());
-    };
-    connect(view, &QPlainTextEdit::selectionChanged, this, selection);
-    connect(view, &QPlainTextEdit::cursorPositionChanged, this, selection);
+    follow_caret(binding);
     // The widgets outlive what listens to them.
     view->on_resize = [self = QPointer<ScreenView>(this), &binding] {
         if (self) self->hear_rows(binding);
@@ -94,11 +129,34 @@ void ScreenView::hear_view(Binding& binding) {
     by_widget_[view->viewport()] = &binding;
 }
 
+void ScreenView::hear_memo(Binding& binding) {
+    auto* memo = static_cast<TextView*>(binding.widget);
+    follow_caret(binding);
+    connect(memo, &QPlainTextEdit::textChanged, this, [this, &binding, memo] {
+        change(binding, [&](Control& control) { control.Text = memo->drawn_text(); });
+        hear_caret(binding);
+        raise(binding, EventKind::Change);
+    });
+}
+
 void ScreenView::hear_rows(Binding& binding) {
     const int rows = static_cast<TextView*>(binding.widget)->rows_in_sight();
     if (rows == binding.record->Rows) return;
     change(binding, [&](Control& control) { control.Rows = rows; });
     raise(binding, EventKind::Resize);
+}
+
+void ScreenView::hear_list(Binding& binding) {
+    auto* list = static_cast<RowList*>(binding.widget);
+    connect(list, &QListWidget::currentRowChanged, this,
+            [this, &binding](int row) { hear_index(binding, row); });
+    connect(list, &QListWidget::itemSelectionChanged, this, [this, &binding, list] {
+        change(binding, [&](Control& control) { control.Selected = list->highlighted(); });
+    });
+    connect(list->verticalScrollBar(), &QScrollBar::valueChanged, this, [this, &binding, list] {
+        if (list->signalsBlocked()) return;  // it is being drawn
+        change(binding, [&](Control& control) { control.Value = list->top_row(); });
+    });
 }
 
 void ScreenView::hear(Binding& binding) {
@@ -113,14 +171,14 @@ void ScreenView::hear(Binding& binding) {
             return hear_field(binding);
         case ControlKind::LogBox:
             return hear_view(binding);
+        case ControlKind::MemoBox:
+            return hear_memo(binding);
         case ControlKind::ComboBox:
             widget->installEventFilter(this);
             connect(static_cast<QComboBox*>(widget), &QComboBox::activated, this, index);
             return;
         case ControlKind::ListBox:
-            connect(static_cast<QListWidget*>(widget), &QListWidget::currentRowChanged, this,
-                    index);
-            return;
+            return hear_list(binding);
         case ControlKind::TabStrip:
             widget->installEventFilter(this);
             connect(static_cast<QTabBar*>(widget), &QTabBar::currentChanged, this, index);
@@ -158,10 +216,13 @@ void ScreenView::hear(Binding& binding) {
 // turned would be left again by the caret.
 bool ScreenView::hear_key(Binding& binding, QEvent& event) {
     auto& key = static_cast<QKeyEvent&>(event);
-    if (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
+    const QString text = typed_text(key);
+    if (is_command(key, text)) return false;
     const int code = key_code(key.key());
-    const QString text = key.text();
     if (code == tab_code || (code == 0 && text.isEmpty())) return false;
+    // A key that is held down goes no faster than it is worked off, and ends with the finger.
+    if (key.isAutoRepeat() && binding.keys_waiting > 0) return true;
+    ++binding.keys_waiting;
     // Counted when it is this key's turn: those before it may turn pages too.
     const auto texts_before = std::make_shared<int>(0);
     queue_.push([this, &binding, texts_before](frmMain&) {
@@ -175,6 +236,7 @@ bool ScreenView::hear_key(Binding& binding, QEvent& event) {
             draw(binding);
             if (binding.texts_drawn == *texts_before)
                 static_cast<TextView*>(binding.widget)->act_on(*own);
+            --binding.keys_waiting;
         });
     return true;
 }

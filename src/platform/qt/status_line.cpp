@@ -1,7 +1,6 @@
 #include "platform/qt/status_line.h"
 
-#include <QPainter>
-
+#include "platform/qt/fields.h"
 #include "platform/qt/form.h"
 #include "platform/qt/text_mapping.h"
 
@@ -35,27 +34,12 @@ void set_text(QLabel& label, std::string& shown, std::string text) {
     label.setToolTip(label.text());
 }
 
-// A text of one line whatever the width: what finds no room is left out of the
-// middle, and its hint has it whole.
-class OneLine final : public QLabel {
-  public:
-    OneLine() { setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); }
-
-  protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        const QString fitting = fontMetrics().elidedText(text(), Qt::ElideMiddle, width());
-        painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter, fitting);
-    }
-};
-
 }  // namespace
 
 StatusLine::StatusLine(QWidget* button) : port_(new OneLine), reason_(remark("")) {
     auto* lines = new QVBoxLayout;
     lines->setSpacing(0);
     for (QLabel* label : {port_, reason_}) lines->addWidget(label);
-    port_->setTextFormat(Qt::PlainText);
     reason_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* line = new QHBoxLayout(this);
     line->setContentsMargins(0, 0, 0, 0);

@@ -27,21 +27,48 @@ Step step_at(std::string_view utf8, std::size_t at) {
     return {bytes, 1, bytes == longest_character ? 2 : 1};
 }
 
+bool is_taken_for_an_end(QChar character) {
+    switch (character.unicode()) {
+        case u'\0':
+        case QChar::LineSeparator:
+        case QChar::ParagraphSeparator:
+        case 0xFDD0:
+        case 0xFDD1:
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
 
+// The toolkit takes a byte order mark at the beginning for none of the text.
 QString to_qt(std::string_view utf8) {
-    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    const QString text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    return utf8.starts_with(mark) ? QChar(QChar::ByteOrderMark) + text : text;
 }
 
 std::string from_qt(const QString& text) {
     return text.toStdString();
 }
 
-QString widget_lines(std::string_view utf8) {
+QString drawable(std::string_view utf8) {
     QString text = to_qt(utf8);
+    for (QChar& character : text)
+        if (is_taken_for_an_end(character)) character = QChar::ReplacementCharacter;
+    return text;
+}
+
+QString widget_lines(std::string_view utf8) {
+    QString text = drawable(utf8);
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     text.replace(u'\r', u'\n');
     return text;
+}
+
+std::string record_lines(const QString& text) {
+    return from_qt(QString(text).replace(u'\n', QLatin1String("\r\n")));
 }
 
 std::int32_t record_position(std::string_view utf8, int units) {

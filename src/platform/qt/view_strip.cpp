@@ -1,6 +1,3 @@
-#include <QCheckBox>
-#include <QSplitter>
-
 #include "platform/qt/buffer_page.h"
 #include "platform/qt/fields.h"
 #include "platform/qt/form.h"
@@ -8,35 +5,6 @@
 
 namespace vkm {
 namespace {
-
-// Columns of the lists of a stopped target.
-constexpr int register_columns = 28;
-constexpr int memory_columns = 56;
-
-QWidget* make_register_page(ScreenView& view, Screen& s) {
-    QWidget* page = view(s.Frame21);
-    auto* lists = new QSplitter(Qt::Horizontal);
-    lists->addWidget(view(s.lst_debug1));
-    lists->addWidget(view(s.lst_debug2));
-    lists->setStretchFactor(0, register_columns);
-    lists->setStretchFactor(1, memory_columns);
-    auto* lines = column(page);
-    lines->addWidget(lists, 1);
-    lines->addWidget(flow_widget(
-        {view(s.comDebugContinue), view(s.comDebugClear[1]), view(s.che_disable_Debug_SFR_232)}));
-    return page;
-}
-
-QWidget* make_memory_page(ScreenView& view, Screen& s) {
-    QWidget* page = view(s.Frame22);
-    auto* lists = new QSplitter(Qt::Horizontal);
-    lists->addWidget(view(s.lst_debug3));
-    lists->addWidget(view(s.lst_debug4));
-    auto* lines = column(page);
-    lines->addWidget(lists, 1);
-    lines->addWidget(flow_widget({view(s.comDebugClear[2]), view(s.comDebugHelp[1])}));
-    return page;
-}
 
 QWidget* make_project_page(ScreenView& view, Screen& s, LockMark* lock) {
     QWidget* page = view(s.fra_Batch_quantity);

@@ -1,4 +1,4 @@
-#include "vkm_chip/host_rate.h"
+#include "pseudo_terminal/host_rate.h"
 
 // The kernel's own structures: the library's know the usual rates only, and not
 // 11520, 12800 or 14400. They can't stand in one file with <termios.h>.

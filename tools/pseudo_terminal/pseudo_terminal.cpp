@@ -1,4 +1,4 @@
-#include "vkm_chip/pseudo_terminal.h"
+#include "pseudo_terminal/pseudo_terminal.h"
 
 #include <fcntl.h>
 #include <stdlib.h>
@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "vkm_chip/host_rate.h"
+#include "pseudo_terminal/host_rate.h"
 
 namespace vkm::sim {
 namespace {
@@ -83,8 +83,10 @@ void PseudoTerminal::unplug() {
     link_.clear();
 }
 
-double PseudoTerminal::host_rate() const {
-    return rate_of_terminal(master_);
+double PseudoTerminal::host_rate() {
+    const double rate = rate_of_terminal(master_);
+    if (rate > 0) host_rate_ = rate;
+    return host_rate_;
 }
 
 std::vector<std::uint8_t> PseudoTerminal::read() {
@@ -97,12 +99,14 @@ std::vector<std::uint8_t> PseudoTerminal::read() {
     }
 }
 
-void PseudoTerminal::write(std::span<const std::uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(master_, bytes.data(), bytes.size());
-        if (count <= 0) return;
-        bytes = bytes.subspan(static_cast<std::size_t>(count));
+std::size_t PseudoTerminal::write(std::span<const std::uint8_t> bytes) {
+    std::size_t written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = ::write(master_, bytes.data() + written, bytes.size() - written);
+        if (count <= 0) break;
+        written += static_cast<std::size_t>(count);
     }
+    return written;
 }
 
 }  // namespace vkm::sim

@@ -2,6 +2,7 @@
 // link to it of a name that stays.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -28,14 +29,15 @@ class PseudoTerminal {
     int descriptor() const { return master_; }
     const std::string& device() const { return device_; }
 
-    double host_rate() const;  // baud
+    // Baud, as the host has set it. A terminal that is just being set can't tell;
+    // then it is what it was before.
+    double host_rate();
 
     // What the host has written; never waits.
     std::vector<std::uint8_t> read();
 
-    // Bytes that find no room, because the host reads nothing, are lost as in a
-    // receiver that overruns.
-    void write(std::span<const std::uint8_t> bytes);
+    // So many of the bytes have found room; the host has to read before the others do.
+    std::size_t write(std::span<const std::uint8_t> bytes);
 
   private:
     std::string make();
@@ -43,6 +45,7 @@ class PseudoTerminal {
 
     int master_ = -1;
     int slave_ = -1;  // kept open, so that a host that closes its port leaves it alive
+    double host_rate_ = 0;
     std::string device_;
     std::string link_;
 };

@@ -1,4 +1,4 @@
-#include "vkm_chip/paced_line.h"
+#include "pseudo_terminal/paced_line.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,7 +15,7 @@ constexpr milliseconds wake_allowance{25};
 // Bytes that end so soon after one another are handled together: a terminal
 // brings them in lumps anyway, and what counts is the last one's time.
 constexpr milliseconds lump_to_host{1};
-constexpr milliseconds lump_to_chip{5};
+constexpr milliseconds lump_to_target{5};
 
 // End of the last byte that can be handled together with the first.
 template <typename Bytes>
@@ -36,15 +36,15 @@ void PacedLine::host_rate(Instant now, double baud) {
     if (baud == baud_) return;
     baud_ = baud;
     run_length_ = 0;
-    const auto caught = std::find_if(to_chip_.begin(), to_chip_.end(), [now](const Byte& byte) {
+    const auto caught = std::find_if(to_target_.begin(), to_target_.end(), [now](const Byte& byte) {
         return byte.end > now + wake_allowance;
     });
-    if (caught == to_chip_.end()) return;
+    if (caught == to_target_.end()) return;
     ++lost_;
     caught->baud = 0;
     std::vector<std::uint8_t> behind;
-    for (auto byte = caught + 1; byte != to_chip_.end(); ++byte) behind.push_back(byte->value);
-    to_chip_.erase(caught + 1, to_chip_.end());
+    for (auto byte = caught + 1; byte != to_target_.end(); ++byte) behind.push_back(byte->value);
+    to_target_.erase(caught + 1, to_target_.end());
     for (const std::uint8_t value : behind) put_on_wire(now, value);
 }
 
@@ -55,12 +55,12 @@ void PacedLine::host_writes(Instant now, std::span<const std::uint8_t> bytes) {
 void PacedLine::put_on_wire(Instant now, std::uint8_t value) {
     const Instant run_end = run_start_ + wire_time(run_length_, baud_);
     if (run_length_ == 0 || run_end < now) {
-        run_start_ = to_chip_.empty() ? now : std::max(now, to_chip_.back().end);
+        run_start_ = to_target_.empty() ? now : std::max(now, to_target_.back().end);
         run_length_ = 0;
     }
     const Instant start = run_start_ + wire_time(run_length_, baud_);
     ++run_length_;
-    to_chip_.push_back({start, run_start_ + wire_time(run_length_, baud_), value, baud_});
+    to_target_.push_back({start, run_start_ + wire_time(run_length_, baud_), value, baud_});
 }
 
 void PacedLine::collect_answers() {
@@ -71,23 +71,23 @@ void PacedLine::collect_answers() {
 
 Instant PacedLine::next() const {
     Instant next = target_.due();
-    if (!to_chip_.empty()) next = std::min(next, end_of_lump(to_chip_, lump_to_chip));
+    if (!to_target_.empty()) next = std::min(next, end_of_lump(to_target_, lump_to_target));
     if (!to_host_.empty()) next = std::min(next, end_of_lump(to_host_, lump_to_host));
     return next;
 }
 
 void PacedLine::run(Instant now) {
     for (;;) {
-        const Instant chip_hears = to_chip_.empty() ? never : to_chip_.front().end;
+        const Instant target_hears = to_target_.empty() ? never : to_target_.front().end;
         const Instant host_hears = to_host_.empty() ? never : to_host_.front().end;
-        const Instant chip_acts = target_.due();
-        const Instant first = std::min({chip_hears, host_hears, chip_acts});
+        const Instant target_acts = target_.due();
+        const Instant first = std::min({target_hears, host_hears, target_acts});
         if (first == never || first > now) return;
-        if (first == chip_acts) {
-            target_.act(chip_acts);
-        } else if (first == chip_hears) {
-            const Byte byte = to_chip_.front();
-            to_chip_.pop_front();
+        if (first == target_acts) {
+            target_.act(target_acts);
+        } else if (first == target_hears) {
+            const Byte byte = to_target_.front();
+            to_target_.pop_front();
             target_.hear(byte.end, byte.value, byte.baud);
         } else {
             const Byte byte = to_host_.front();
@@ -104,7 +104,7 @@ std::vector<std::uint8_t> PacedLine::take_for_host() {
 }
 
 void PacedLine::cut() {
-    to_chip_.clear();
+    to_target_.clear();
     to_host_.clear();
     heard_by_host_.clear();
     run_length_ = 0;

@@ -1,8 +1,8 @@
 // The line between a host whose bytes come in lumps, as through a terminal, and
-// a simulated chip that wants each byte at its time.
+// a simulated target that wants each byte at its time.
 //
 // The host's bytes are taken off it at once and then spend their time on a wire
-// of this line's own; the chip's are handed over when their stop bits have
+// of this line's own; the target's are handed over when their stop bits have
 // ended. Time comes from outside; next() tells when to call run() at the latest.
 #pragma once
 
@@ -51,7 +51,7 @@ class PacedLine {
 
     Target target_;
     double baud_ = 0;  // the host's
-    std::deque<Byte> to_chip_;
+    std::deque<Byte> to_target_;
     Instant run_start_{};         // of bytes that stand back to back on the wire
     std::size_t run_length_ = 0;  // so many of them, so that no rounding adds up
     std::deque<Byte> to_host_;
