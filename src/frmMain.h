@@ -9,6 +9,7 @@
 #pragma once
 
 #include "assistant/assistant_state.h"
+#include "board/board_state.h"
 #include "catalogue/catalogue_state.h"
 #include "image/image_state.h"
 #include "increase/increase_set.h"
@@ -39,6 +40,7 @@ struct frmMain {
     SessionState session;      // the running job
     MonitorState monitor;      // dumps of a stopped target
     AssistantState assistant;  // the serial terminal
+    BoardState board;          // the stand-alone download board
     WindowState window;        // start-up, closing
 };
 
