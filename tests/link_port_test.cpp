@@ -618,22 +618,38 @@ TEST_F(LinkPort, ADemoBlockIsJudgedByItsSixteenBitSum) {
     EXPECT_EQ(port.written.back().bytes, build_demo_frame(0, 128, 0xB4, bytes).bytes);
 }
 
-TEST_F(LinkPort, ADemoBlockEndsByTimeOrByItsOwnStop) {
+TEST_F(LinkPort, ADemoBlockEndsByTimeOrByEitherStop) {
     open_at("115200");
     link.demo_mode = true;
-    link.stop_requested = true;  // of the other class
-    EXPECT_DOUBLE_EQ(time_of([&] { EXPECT_EQ(send_block(frm, 0, 8, false, image), -1); }), 1000);
+    const auto time_of_block = [&] {
+        return time_of([&] { EXPECT_EQ(send_block(frm, 0, 8, false, image), -1); });
+    };
+    constexpr double frame_ms = 2;  // 22 bytes, to the next poll
+    EXPECT_DOUBLE_EQ(time_of_block(), 1000 + frame_ms);
     link.demo_stop_requested = true;  // cleared by the sender
     at(300, [&] { link.demo_stop_requested = true; });
-    EXPECT_DOUBLE_EQ(time_of([&] { EXPECT_EQ(send_block(frm, 0, 8, false, image), -1); }), 300);
+    EXPECT_DOUBLE_EQ(time_of_block(), 300);
+    at(200, [&] { link.stop_requested = true; });
+    EXPECT_DOUBLE_EQ(time_of_block(), 200);
+    EXPECT_DOUBLE_EQ(time_of_block(), 0) << "a Stop before the block";
 }
 
-TEST_F(LinkPort, ADemoBlockLosesWhatIsUnsentWhenItClears) {
-    open_at("115200");
+TEST_F(LinkPort, ADemoBlockReachesTheTargetWholeBeforeItClears) {
+    open_at("1200");
     link.demo_mode = true;
     send_block(frm, 0, 128, false, image);
-    EXPECT_EQ(port.written.size(), 1U);
-    EXPECT_TRUE(target.heard.empty());
+    ASSERT_EQ(port.written.size(), 1U);
+    EXPECT_EQ(target.heard.size(), 142U);
+}
+
+TEST_F(LinkPort, AStopEndsTheWayOfADemoBlock) {
+    open_at("1200");
+    link.demo_mode = true;
+    at(100, [&] {
+        link.stop_requested = true;
+        close_port(frm);
+    });
+    EXPECT_LE(time_of([&] { EXPECT_EQ(send_block(frm, 0, 128, false, image), -1); }), 101);
 }
 
 // ---- commands ---------------------------------------------------------------------------

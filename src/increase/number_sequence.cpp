@@ -36,13 +36,17 @@ void enable_click(frmMain& frm, Auto_Increase_Set& set) {
     Show_Auto_Increase(frm, set);
 }
 
-// True when the set has moved on.
-bool advance(frmMain& frm, Auto_Increase_Set& set) {
-    if (!set.Active || !counts_up(set)) return false;
+void advance(frmMain& frm, Auto_Increase_Set& set) {
     Advance_Auto_Increase(frm, set);
     Patch_Auto_Increase(frm, set);
     Redraw_Page(frm, place_of(frm, set).buffer);
     set.Active = true;
+}
+
+// True when the set has moved on.
+bool advance_counting(frmMain& frm, Auto_Increase_Set& set) {
+    if (!set.Active || !counts_up(set)) return false;
+    advance(frm, set);
     return true;
 }
 
@@ -68,9 +72,15 @@ void Show_Auto_Increase(frmMain& frm, Auto_Increase_Set& set) {
 // Both have moved on before either is saved: a save takes the fields of both, and would
 // give the number of this chip's data to the next one if the tool died behind it.
 void Advance_Numbers(frmMain& frm) {
-    const bool program = advance(frm, frm.increase.Auto_Increase);
-    const bool data = advance(frm, frm.increase.Data_Auto_Increase);
+    const bool program = advance_counting(frm, frm.increase.Auto_Increase);
+    const bool data = advance_counting(frm, frm.increase.Data_Auto_Increase);
     if (program || data) Save_Auto_Increase_Settings(frm);
+}
+
+void Advance_Program_Number(frmMain& frm) {
+    if (!frm.increase.Auto_Increase.Active) return;
+    advance(frm, frm.increase.Auto_Increase);
+    Save_Auto_Increase_Settings(frm);
 }
 
 }  // namespace vkm

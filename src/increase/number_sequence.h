@@ -18,4 +18,8 @@ void Show_Auto_Increase(frmMain& frm, Auto_Increase_Set& set);
 // saved.
 void Advance_Numbers(frmMain& frm);
 
+// The same for the program's number alone, which counts up from 0 as well: behind a chip
+// that was programmed over a user's own ISP program.
+void Advance_Program_Number(frmMain& frm);
+
 }  // namespace vkm

@@ -77,6 +77,10 @@ void write_frame(frmMain& frm, std::span<const std::uint8_t> bytes);
 // without power or a running program, and the repeat of a request.
 void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes);
 
+// Until the output is empty; no longer than so many bytes need, and half a second, since
+// a driver may never let go of them. Stop ends it, since that closes the port.
+void wait_until_sent(frmMain& frm, std::size_t bytes);
+
 // Behind a request: if bytes are still unsent lets events run once; waits 3 ms.
 void settle(frmMain& frm);
 
@@ -88,11 +92,16 @@ void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes);
 int send_block(frmMain& frm, std::int32_t address, std::int32_t count, bool flag,
                std::span<const std::uint8_t> image);
 
+// The result of a block. A window that was asked to close meanwhile closes at a block that
+// failed.
+int block_result(frmMain& frm, bool good);
+
 // A short command with the board fields; the caller waits.
 void send_command(frmMain& frm, std::uint8_t command, std::int32_t timeout_ms,
                   std::uint8_t parameter);
 
-// A short command of the 5A A5 class, once the output is empty and 20 ms later.
+// A short command of the 5A A5 class, once the output is empty and 20 ms later. Nothing
+// is written when Stop came in between.
 void send_demo_command(frmMain& frm, std::uint8_t command);
 
 // The trigger, opening the port if it is closed. -1 when the command is no
@@ -108,6 +117,13 @@ bool wait_for_frame(frmMain& frm, std::int32_t timeout_ms);
 
 // The same on a timer that has been started already.
 bool wait_for_armed_timer(frmMain& frm, const Timer& timer);
+
+// Stop of either class of waits.
+bool demo_stopped(const LinkState& link);
+
+// The wait for a reply of the 5A A5 class, Timer7 having been started: for demo_frame_ok,
+// a Stop or the timer's end. True when a frame came and no Stop.
+bool wait_for_demo_frame(frmMain& frm);
 
 // How long a block's answer may take (ms), by the chip's clock and the baud.
 std::int32_t reply_timeout(double crystal_frequency, std::int32_t baud);

@@ -86,6 +86,18 @@ bool wait_for_frame(frmMain& frm, std::int32_t timeout_ms) {
     return wait_for_armed_timer(frm, frm.timers.Timer7);
 }
 
+bool demo_stopped(const LinkState& link) {
+    return link.demo_stop_requested || link.stop_requested;
+}
+
+bool wait_for_demo_frame(frmMain& frm) {
+    const LinkState& link = frm.link;
+    wait_until(frm, [&] {
+        return link.demo_frame_ok || demo_stopped(link) || !frm.timers.Timer7.Enabled;
+    });
+    return link.demo_frame_ok && !demo_stopped(link);
+}
+
 void let_owed_answers_pass(frmMain& frm, std::int32_t timeout_ms) {
     LinkState& link = frm.link;
     const bool answered = link.frame_ok;

@@ -21,6 +21,7 @@ constexpr int answer_without_sum = 6;
 constexpr std::int32_t settle_ms = 3;
 constexpr std::int32_t demo_pause_ms = 20;
 constexpr std::int32_t output_poll_ms = 1;
+constexpr std::int32_t output_margin_ms = 500;
 
 // The window closes at the next chance, not inside the failing call.
 constexpr std::int32_t close_window_ms = 1;
@@ -48,22 +49,22 @@ bool demo_block_acknowledged(const LinkState& link, std::uint16_t data_sum) {
     return link.rx_copy[5] * 256 + link.rx_copy[6] == data_sum;
 }
 
-// This class clears behind the write, and twice: whatever the program answered
-// to the frame before is not taken for the answer to this one. Bytes of the
-// frame that are still unsent are lost.
+// This class clears behind the write, and twice: whatever the program answered to the
+// frame before is not taken for the answer to this one. The clearing waits until the
+// frame has gone, which it would cut off otherwise.
 bool send_demo_block(frmMain& frm, const DataFrame& frame) {
     LinkState& link = frm.link;
+    if (link.stop_requested) return false;
     reset_receive(frm);
     write_frame(frm, frame.bytes);
+    wait_until_sent(frm, frame.bytes.size());
+    if (link.stop_requested) return false;
     reset_receive(frm);
     link.demo_frame_ok = false;
     link.demo_stop_requested = false;
     reset_receive(frm);
     arm_reply_timer(frm);
-    wait_until(frm, [&] {
-        return link.demo_frame_ok || link.demo_stop_requested || !frm.timers.Timer7.Enabled;
-    });
-    if (!link.demo_frame_ok) return false;
+    if (!wait_for_demo_frame(frm)) return false;
     link.frame_ok = true;
     copy_receive(frm);
     return demo_block_acknowledged(link, frame.data_sum);
@@ -92,6 +93,13 @@ void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes) {
     frm.platform.port.write(bytes);
 }
 
+void wait_until_sent(frmMain& frm, std::size_t bytes) {
+    const SerialPort& port = frm.platform.port;
+    const Instant limit =
+        frm.platform.loop.now() + time_on_wire(port, bytes) + Milliseconds(output_margin_ms);
+    while (port.output_count() > 0 && frm.platform.loop.now() < limit) wait_ms(frm, output_poll_ms);
+}
+
 void settle(frmMain& frm) {
     if (frm.platform.port.output_count() > 0) process_events(frm);
     wait_ms(frm, settle_ms);
@@ -104,7 +112,11 @@ void write_and_settle(frmMain& frm, std::span<const std::uint8_t> bytes) {
 
 int send_block(frmMain& frm, std::int32_t address, std::int32_t count, bool flag,
                std::span<const std::uint8_t> image) {
-    if (send_block_frame(frm, address, count, flag, image)) return 0;
+    return block_result(frm, send_block_frame(frm, address, count, flag, image));
+}
+
+int block_result(frmMain& frm, bool good) {
+    if (good) return 0;
     if (frm.link.close_pending) restart_timer(frm, frm.timers.Timer4, close_window_ms);
     return -1;
 }
@@ -124,9 +136,9 @@ void send_command(frmMain& frm, std::uint8_t command, std::int32_t timeout_ms,
 }
 
 void send_demo_command(frmMain& frm, std::uint8_t command) {
-    while (frm.platform.port.output_count() > 0) wait_ms(frm, output_poll_ms);
+    wait_until_sent(frm, frm.platform.port.output_count());
     wait_ms(frm, demo_pause_ms);
-    write_frame(frm, build_demo_command(command));
+    if (!demo_stopped(frm.link)) write_frame(frm, build_demo_command(command));
 }
 
 int send_trigger(frmMain& frm, std::uint8_t command) {

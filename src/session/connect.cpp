@@ -101,12 +101,16 @@ bool Check_Model(frmMain& frm) {
     if (chip_fits_model({frm.link.Chip_Letter, frm.link.Chip_Name, code, frm.screen.txtDevice.Text,
                          frm.catalogue.MCU_Info, frm.catalogue.Block_Size, frm.session.Chunk_Size}))
         return true;
+    report_wrong_model(frm);
+    return false;
+}
+
+void report_wrong_model(frmMain& frm) {
     job_failed(frm, session_text::step_identify);
     beep_times(frm, 3);
     report(frm, session_text::wrong_model);
     frm.images.File_Loaded = false;
     frm.platform.dialogs.show_text(chosen_text(frm.screen, session_text::wrong_model_box));
-    return false;
 }
 
 }  // namespace vkm

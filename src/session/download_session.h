@@ -36,6 +36,10 @@ void Connect_MCU(frmMain& frm, bool ReadChipLock_just);
 // operator has been told and the file must be opened again.
 bool Check_Model(frmMain& frm);
 
+// The chip is none of the model that was chosen: the job ends, and the file must be
+// opened again for the right one.
+void report_wrong_model(frmMain& frm);
+
 // Appends the clock lines of the log.
 void Show_Clock(frmMain& frm);
 

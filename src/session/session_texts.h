@@ -40,14 +40,43 @@ inline constexpr MessageText succeeded = {"Program succeed.", "Program succeed. 
 inline constexpr std::string_view next_chip = "After a few seconds re-connect will continue.  ";
 inline constexpr std::string_view next_chip_CN = "Chinese:几秒钟后将继续下载下一个 MCU...  ";
 
-// ---- the user code that sends a running target into its boot firmware ----
+// ---- a target's own program: the user code that it jumps by, its line settings ----
 inline constexpr MessageText no_file_for_code = {"Please open file.",
                                                  "Please open file./请打开文件。"};
-inline constexpr std::string_view user_code_port_title = "  调试用串口     ";
+inline constexpr std::string_view panel_port_title = "  调试用串口     ";
 // Followed by the settings.
 inline constexpr MessageText settings_refused = {
     "The port does not take these settings: ",
     "The port does not take these settings / 串口不支持此参数: "};
+
+// ---- download over a user's own ISP program ----
+inline constexpr MessageText no_file_for_demo = {"  Please open file. ",
+                                                 " Please open file./请打开文件。"};
+inline constexpr MessageText demo_connected = {"Connection is OK...",
+                                               "Connection is OK... / 握手成功..."};
+inline constexpr MessageText demo_reading_version = {"We are read MCU Firmware Version ...",
+                                                     "We are read MCU Firmware Version ..."};
+inline constexpr MessageText demo_version_failed = {
+    "Read MCU Option is failed. (End: ", "Read MCU Option is failed. / 读 Option 失败 (End: "};
+inline constexpr MessageText demo_program_ok = {"Program OK.", "Program OK / 下载 OK"};
+// Followed by the length and " )".
+inline constexpr MessageText demo_verify_ok = {"Verify  OK ( Total: ",
+                                               "Verify  OK / 校验 OK  ( Total: "};
+
+// ---- the debug monitor in place of the boot firmware ----
+inline constexpr std::string_view monitor_file_missing = "找不到文件 ";
+inline constexpr std::string_view monitor_file_empty[] = {"文件 ", " 是空的, 或无法读取。"};
+inline constexpr std::string_view ask_for_monitor =
+    "Write SoftICE program, the DownLoad Code will be erased!\r\n"
+    " Chinese: 烧录 SoftICE 程序, 将会删除下载引导码。\r\n"
+    "          Continue?/ 继续吗?  (Y/N)";
+inline constexpr std::string_view ask_for_model =
+    "Please check MCU type / 请确认 MCU 型号是否正确\r\n"
+    "        Continue?/ 继续吗?  (Y/N)";
+inline constexpr MessageText monitor_done = {
+    "Download Soft_ICE is succeed.\r\n"
+    "Chinese:下载 Soft_ICE 成功。",
+    "Download Soft_ICE is succeed /下载 Soft_ICE 成功"};
 
 // ---- connecting ----
 inline constexpr MessageText connecting = {"We are trying to connect to your MCU ... ",
@@ -148,6 +177,7 @@ inline constexpr MessageText step_identify = {"Identify model", "Identify model 
 inline constexpr MessageText step_read_options = {"Read options", "Read options / 读选项"};
 inline constexpr MessageText step_erase = {"Erase", "Erase / 擦除"};
 inline constexpr MessageText step_program = {"Program", "Program / 下载"};
+inline constexpr MessageText step_read_board = {"Read 24C512", "Read 24C512 / 读 24C512"};
 inline constexpr MessageText step_write_options = {"Write options", "Write options / 写选项"};
 
 }  // namespace vkm::session_text

@@ -7,7 +7,6 @@
 #include "plug.h"
 #include "session/download_session.h"
 #include "session/session_lease.h"
-#include "session/session_report.h"
 #include "session/session_texts.h"
 #include "text/hexadecimal.h"
 #include "text/trimming.h"
@@ -16,8 +15,6 @@
 namespace vkm {
 namespace {
 
-constexpr std::int32_t output_poll_ms = 1;
-constexpr std::int32_t output_margin_ms = 500;
 constexpr std::int32_t jump_ms = 20;  // in which the target reaches its boot firmware
 
 // One character of the text each, so that pairs are counted right whatever was typed.
@@ -30,39 +27,8 @@ std::string single_bytes(std::string_view utf8) {
     return text;
 }
 
-std::string settings_of_user_code(const Screen& screen) {
-    return std::string(text_of(screen.cobUserCodeBaud)) + ',' +
-           std::string(text_of(screen.cobUserCodeParity).substr(0, 1)) + ',' +
-           std::string(text_of(screen.cobUserCodeDataBits)) + ',' +
-           std::string(text_of(screen.cobUserCodeStopBits));
-}
-
-bool open_for_user_code(frmMain& frm) {
-    close_port(frm);
-    const std::string settings = settings_of_user_code(frm.screen);
-    if (!frm.platform.port.set_settings(settings)) {
-        frm.platform.dialogs.show_text(
-            std::string(chosen_text(frm.screen, session_text::settings_refused)) + settings,
-            session_text::user_code_port_title);
-        return false;
-    }
-    if (open_port(frm) == 0) return true;
-    beep_times(frm, 3);
-    append_message(frm.screen, link_text::open_failed);
-    report(frm, link_text::port_taken_or_missing);
-    return false;
-}
-
-// No longer than so many bytes need, and a margin: a driver may never let go of them.
-void wait_until_sent(frmMain& frm, std::size_t bytes) {
-    const SerialPort& port = frm.platform.port;
-    const Instant limit =
-        frm.platform.loop.now() + time_on_wire(port, bytes) + Milliseconds(output_margin_ms);
-    while (port.output_count() > 0 && frm.platform.loop.now() < limit) wait_ms(frm, output_poll_ms);
-}
-
 // False when there was nothing to download, or no port to send on.
-bool send_user_code(frmMain& frm) {
+bool send_code_for_download(frmMain& frm) {
     const Session_Lease lease(frm);
     if (!lease.granted()) return false;
     run_plug(frm, frm.session.Close_Assistant_Port);
@@ -70,13 +36,10 @@ bool send_user_code(frmMain& frm) {
         frm.platform.dialogs.show_text(chosen_text(frm.screen, session_text::no_file_for_code));
         return false;
     }
-    if (!open_for_user_code(frm)) return false;
-    const std::vector<std::uint8_t> code = user_code_bytes(frm.screen.txtUserCode.Text);
-    wait_until_sent(frm, 0);
-    write_signal(frm, code);
-    wait_until_sent(frm, code.size());
-    wait_ms(frm, jump_ms);
-    return true;
+    const Screen& screen = frm.screen;
+    return send_user_code(frm, screen.txtUserCode,
+                          {screen.cobUserCodeBaud, screen.cobUserCodeParity,
+                           screen.cobUserCodeDataBits, screen.cobUserCodeStopBits});
 }
 
 // The ticks that want something done when the file has changed.
@@ -146,8 +109,18 @@ std::vector<std::uint8_t> user_code_bytes(std::string_view text) {
     return bytes;
 }
 
+bool send_user_code(frmMain& frm, const Control& text, const Serial_Panel& panel) {
+    if (!open_by_panel(frm, panel)) return false;
+    const std::vector<std::uint8_t> code = user_code_bytes(text.Text);
+    wait_until_sent(frm, 0);
+    write_signal(frm, code);
+    wait_until_sent(frm, code.size());
+    wait_ms(frm, jump_ms);
+    return true;
+}
+
 void comSendUserCode(frmMain& frm) {
-    if (send_user_code(frm) && !frm.link.close_pending) comDownload(frm, 0);
+    if (send_code_for_download(frm) && !frm.link.close_pending) comDownload(frm, 0);
 }
 
 void Timer12_Tick(frmMain& frm) {

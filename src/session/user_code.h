@@ -8,12 +8,18 @@
 #include <vector>
 
 #include "frmMain.h"
+#include "session/serial_panel.h"
 
 namespace vkm {
 
 // The bytes of a user code: characters below "0" part them, every two others are a
 // byte, and a last one alone is one too. What is no hexadecimal digit ends its byte.
 std::vector<std::uint8_t> user_code_bytes(std::string_view text);
+
+// Sends the user code in that text at these settings, and gives the target time to jump.
+// False when there is no port to send on; the operator has been told then. The port
+// stays open.
+bool send_user_code(frmMain& frm, const Control& text, const Serial_Panel& panel);
 
 // Sends the user code and downloads. Does nothing while a session runs.
 void comSendUserCode(frmMain& frm);

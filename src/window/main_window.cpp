@@ -12,6 +12,7 @@
 #include "link/isp_link.h"
 #include "monitor/monitor_lists.h"
 #include "options/mcu_options.h"
+#include "session/demo_download.h"
 #include "session/download_session.h"
 #include "waiting/waiting.h"
 #include "window/hardware_help.h"
@@ -84,6 +85,7 @@ void Load(frmMain& frm) {
 bool QueryUnload(frmMain& frm) {
     Close_Assistant_Port(frm);
     comStop_Download(frm);
+    com_Demo_Stop(frm);
     if (frm.link.close_pending) return true;
     frm.link.close_pending = true;
     restart_timer(frm, frm.timers.TimerUnload, unload_delay_ms);

@@ -1,6 +1,7 @@
 #include "window/wiring.h"
 
 #include "assistant/serial_assistant.h"
+#include "board/board_download.h"
 #include "catalogue/model_selection.h"
 #include "image/buffer_view.h"
 #include "image/hex_editor.h"
@@ -13,6 +14,7 @@
 #include "options/option_panel.h"
 #include "project/project_files.h"
 #include "session/connect_advice.h"
+#include "session/demo_download.h"
 #include "session/download_session.h"
 #include "session/read_chip_lock.h"
 #include "session/session_lease.h"
@@ -165,6 +167,14 @@ constexpr Wire wire_table[] = {
     {"comSpreadAutoSend",        Click,    run<comSpreadAutoSend>},
     // Target monitor
     {"comDebugContinue",         Click,    run<comDebugContinue>},
+    // Download board
+    {"comTJXZ",                  Click,   run<comTJXZ>},
+    {"com_TJXZ_help",            Click,   run_between_jobs<com_TJXZ_help>},
+    {"Read24C512",               Click,   run<Read24C512>},
+    // ISP program of the user's
+    {"com_Demo_DownLoad",        Click,   run<com_Demo_DownLoad>},
+    {"com_Demo_Re_DownLoad",     Click,   run<com_Demo_Re_DownLoad>},
+    {"com_Demo_Stop",            Click,   run<com_Demo_Stop>},
     // Save File
     {"txt_Start_Address",        Change,  run<Enable_Save_File>},
     {"txt_length",               Change,  run<Enable_Save_File>},

@@ -1,0 +1,233 @@
+#include "board/board_download.h"
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "board/board_build.h"
+#include "board/board_help.h"
+#include "board/board_link.h"
+#include "board/board_texts.h"
+#include "link/isp_link.h"
+#include "options/mcu_options.h"
+#include "session/download_session.h"
+#include "session/job_steps.h"
+#include "session/session_lease.h"
+#include "session/session_report.h"
+#include "session/session_texts.h"
+#include "session/verdict.h"
+#include "text/hexadecimal.h"
+#include "text/numbers.h"
+#include "text/trimming.h"
+#include "waiting/waiting.h"
+
+namespace vkm {
+namespace {
+
+constexpr std::int16_t link_block_size = 128;
+constexpr std::int32_t block_wait_ms = 600;
+constexpr std::int32_t gap_wait_ms = 200;
+constexpr std::int32_t bytes_per_kilobyte = 1024;
+
+constexpr Board_Command ask_capacity = {.command = 0x0E, .timeout_ms = 300, .tries = 4};
+constexpr Board_Command ask_version = {.command = 0x0C, .timeout_ms = 300, .tries = 4};
+constexpr Board_Command erase_all = {.command = 0x84, .timeout_ms = 4000, .tries = 6};
+constexpr Board_Command erase_second = {.command = 0x86, .timeout_ms = block_wait_ms, .tries = 6};
+constexpr Board_Command check_between = {
+    .command = 0x80, .timeout_ms = 50, .tries = 36, .parameter = 0xF1};
+
+// By firmware: how far the first stage reaches, and who has a second one.
+constexpr double first_large_version = 17;
+constexpr double version_with_two_stages = 15;
+constexpr std::int32_t first_address = 0x4000;
+constexpr std::int32_t last_of_large = 0xF7FF;
+constexpr std::int32_t last_of_others = 0xF3FF;
+constexpr Address_Range second_stage = {0x2000, 0x3FFF};
+constexpr Address_Range whole_image = {first_address, 0xFFFF};
+
+// Where the raw image carries the chip's ID code and its option bytes.
+constexpr std::size_t raw_id = 0xFFD0;
+constexpr std::size_t raw_options_high = 0xFFE0;  // words 8 to 15
+constexpr std::size_t raw_options_low = 0xFFF0;   // words 0 to 7
+constexpr std::size_t option_words = 8;
+
+double version_number(const frmMain& frm) {
+    return leading_number(frm.board.Board_Version);
+}
+
+bool has_second_stage(const frmMain& frm) {
+    const double version = version_number(frm);
+    const bool by_version = version == version_with_two_stages || version >= first_large_version;
+    return by_version && !frm.board.Board_Flag;
+}
+
+void report_board_stop(frmMain& frm) {
+    frm.platform.sounder.beep();
+    report(frm, board_text::stopped);
+}
+
+bool report_silent_board(frmMain& frm) {
+    if (frm.link.stop_requested)
+        report_board_stop(frm);
+    else
+        report(frm, board_text::connect_failed);
+    return false;
+}
+
+// What the job may fill, and by which rules it is laid out.
+bool learn_board(frmMain& frm) {
+    const auto& answer = frm.link.rx_copy;
+    if (!board_asked(frm, ask_capacity)) return report_silent_board(frm);
+    frm.board.Board_Capacity = answer[5] * bytes_per_kilobyte;
+    frm.board.Board_Flag = answer[4] != 0;
+    if (!board_asked(frm, ask_version)) return report_silent_board(frm);
+    frm.board.Board_Version = hex_text(answer[4], 2);
+    report(frm, board_text::connected);
+    return true;
+}
+
+// Stop waits until the whole job is laid out: half of one is none.
+bool build_job(frmMain& frm) {
+    if (frm.link.stop_requested) return true;
+    frm.screen.comStop_Download.Enabled = false;
+    const bool fits = Board_Make_Table(frm);
+    if (fits) {
+        Board_Make_Block(frm);
+        Board_Make_CRC(frm);
+        Board_Copy_Code(frm);
+    }
+    frm.screen.comStop_Download.Enabled = true;
+    if (!fits) return false;
+    if (Board_Code_Limit(frm) > 0) return true;
+    // Nothing of the program would be on the board.
+    report(frm, board_text::download_failed);
+    return false;
+}
+
+bool erase_board(frmMain& frm) {
+    report(frm, board_text::erasing);
+    if (board_asked(frm, erase_all)) return true;
+    job_failed(frm, session_text::step_erase);
+    if (frm.link.stop_requested)
+        report_board_stop(frm);
+    else
+        report(frm, board_text::erase_failed);
+    return false;
+}
+
+// The program image with what the chip needs besides at its end.
+std::vector<std::uint8_t> raw_image(frmMain& frm) {
+    std::vector<std::uint8_t> image = frm.images.AP_Buffer.Bytes;
+    const std::string_view id = frm.catalogue.MCU_Info.MCU_ID;
+    if (!id.empty()) {
+        image[raw_id] = static_cast<std::uint8_t>(hex_field(first_characters(id, 2), 2));
+        image[raw_id + 1] = static_cast<std::uint8_t>(hex_field(last_characters(id, 2), 2));
+    }
+    Compose_Options(frm);
+    const Option_Words& words = frm.options.Option_Bytes[0];
+    for (std::size_t word = 0; word < option_words; ++word) {
+        image[raw_options_high + word] = static_cast<std::uint8_t>(words[option_words + word]);
+        image[raw_options_low + word] = static_cast<std::uint8_t>(words[word]);
+    }
+    return image;
+}
+
+bool send_first_stage(frmMain& frm, bool raw) {
+    report(frm, board_text::downloading);
+    if (raw) return Board_Send_Range(frm, raw_image(frm), whole_image);
+    const bool large = version_number(frm) >= first_large_version;
+    const Address_Range range = {first_address, large ? last_of_large : last_of_others};
+    return Board_Send_Range(frm, frm.board.Board_Image, range);
+}
+
+bool report_send_failure(frmMain& frm, int beeps) {
+    if (frm.link.stop_requested) {
+        report(frm, board_text::stopped);
+        return false;
+    }
+    beep_times(frm, beeps);
+    report(frm, board_text::download_failed);
+    return false;
+}
+
+bool open_second_stage(frmMain& frm) {
+    if (board_asked(frm, erase_second) && board_asked(frm, check_between)) return true;
+    report(frm, frm.link.stop_requested ? board_text::stopped : board_text::second_stage_failed);
+    return false;
+}
+
+bool send_second_stage(frmMain& frm) {
+    report(frm, board_text::downloaded);
+    if (!open_second_stage(frm)) return false;
+    return Board_Send_Range(frm, frm.board.Board_Image, second_stage) ||
+           report_send_failure(frm, 3);
+}
+
+bool Board_Transfer(frmMain& frm, bool raw) {
+    if (!erase_board(frm)) return false;
+    if (!send_first_stage(frm, raw)) return report_send_failure(frm, 0);
+    if (!raw && has_second_stage(frm) && !send_second_stage(frm)) return false;
+    close_port(frm);
+    if (!raw) report(frm, board_text::downloaded);
+    return true;
+}
+
+bool load_board(frmMain& frm, bool raw) {
+    if (!raw && !Board_Check_Limit(frm)) return false;
+    job_runs(frm);
+    Set_UI_Busy(frm);
+    if (!Board_Connect(frm) || !learn_board(frm)) {
+        job_failed(frm, session_text::step_connect);
+        return false;
+    }
+    return (raw || build_job(frm)) && Board_Transfer(frm, raw);
+}
+
+// The board's frames, and what they need, for as long as the flow runs.
+bool with_board_frames(frmMain& frm, bool raw) {
+    frm.link.use_crc = true;
+    frm.link.Board_Block_Wait = block_wait_ms;
+    frm.link.Board_Gap_Wait = gap_wait_ms;
+    const bool good = load_board(frm, raw);
+    frm.link.use_crc = false;
+    return good;
+}
+
+void restore_program(frmMain& frm, bool raw) {
+    std::vector<std::uint8_t>& saved = frm.board.Saved_AP_Image;
+    if (!raw && frm.screen.cheAuto_Increase.Value != 0 && !saved.empty())
+        std::ranges::copy(saved, frm.images.AP_Buffer.Bytes.begin());
+    saved.clear();
+}
+
+}  // namespace
+
+Board_Outcome Board_Download(frmMain& frm, bool raw) {
+    frm.board.Link_Block_Size = link_block_size;
+    if (!file_ready(frm)) return Board_Outcome::no_file;
+    patch_touched_program_number(frm);
+    // The window may have been closed behind a box.
+    if (frm.link.close_pending) return Board_Outcome::failed;
+    const bool good = with_board_frames(frm, raw);
+    restore_program(frm, raw);
+    if (good)
+        job_done(frm);
+    else
+        job_failed(frm, session_text::step_program);
+    Show_Progress(frm, Progress::hide);
+    comStop_Download(frm);
+    return good ? Board_Outcome::done : Board_Outcome::failed;
+}
+
+void comTJXZ(frmMain& frm) {
+    const Session_Lease lease(frm);
+    if (!lease.granted()) return;
+    close_assistant_port(frm);
+    Board_Download(frm, false);
+}
+
+void com_TJXZ_help(frmMain& frm) {
+    frm.platform.dialogs.show_text(board_help, board_help_title);
+}
+
+}  // namespace vkm

@@ -1,0 +1,149 @@
+// Reading the board's EEPROM back into the program image.
+#include <algorithm>
+#include <numeric>
+#include <string>
+
+#include "board/board_download.h"
+#include "board/board_frames.h"
+#include "board/board_link.h"
+#include "board/board_texts.h"
+#include "image/checksum_text.h"
+#include "image/image_files.h"
+#include "image/image_messages.h"
+#include "increase/auto_increase.h"
+#include "link/isp_link.h"
+#include "session/download_session.h"
+#include "session/job_steps.h"
+#include "session/progress.h"
+#include "session/session_lease.h"
+#include "session/session_report.h"
+#include "session/session_texts.h"
+#include "session/verdict.h"
+#include "waiting/waiting.h"
+
+namespace vkm {
+namespace {
+
+constexpr int pages = 512;
+constexpr std::int32_t page_size = 128;
+constexpr std::int32_t last_address = pages * page_size - 1;
+constexpr int tries_per_page = 3;
+constexpr std::int32_t page_wait_ms = 600;
+
+constexpr std::uint8_t storage_reply = 0x53;
+constexpr std::size_t data_in_reply = 6;
+// The data, its sum of two and the end mark: what is shorter holds less than a page.
+constexpr int shortest_reply = static_cast<int>(data_in_reply) + page_size + 3;
+
+// What comes from the board is no file's: nothing reads one in its place, and no number
+// is counted up in it.
+void take_over_image(frmMain& frm) {
+    Image_Buffer& buffer = frm.images.AP_Buffer;
+    frm.images.Program_File.clear();
+    frm.images.Buffer_Edit_OK = false;
+    frm.screen.Frame7.Caption = image_text::program_caption;
+    Switch_Numbering_Off(frm);
+    ++buffer.Load_Number;
+    Fill_Bytes(0, buffer.Bytes);
+}
+
+bool page_answered(frmMain& frm) {
+    return wait_for_board(frm) && copy_receive(frm) >= shortest_reply &&
+           frm.link.rx_copy[3] == storage_reply;
+}
+
+bool read_page(frmMain& frm, std::int32_t address) {
+    LinkState& link = frm.link;
+    const Frame frame = build_board_read(address);
+    for (int attempt = 0; attempt < tries_per_page; ++attempt) {
+        reset_receive(frm);
+        write_frame(frm, frame);
+        link.frame_ok = false;
+        link.reply_timed_out = false;
+        link.reply_gap_or_bad = false;
+        restart_timer(frm, frm.timers.Timer1, page_wait_ms);
+        stop_timer(frm.timers.Timer2);
+        frm.timers.Timer2.Interval = link.Board_Gap_Wait;
+        if (page_answered(frm)) return true;
+        if (link.stop_requested) return false;
+        let_owed_answers_pass(frm, page_wait_ms);
+    }
+    return false;
+}
+
+void store_page(frmMain& frm, std::int32_t address) {
+    std::copy_n(frm.link.rx_copy.begin() + data_in_reply, page_size,
+                frm.images.AP_Buffer.Bytes.begin() + address);
+}
+
+bool read_pages(frmMain& frm) {
+    for (int page = 0; page < pages; ++page) {
+        const std::int32_t address = page * page_size;
+        if (!read_page(frm, address)) {
+            append_message(frm.screen, frm.link.stop_requested ? board_text::reading_stopped
+                                                               : board_text::reading_failed);
+            scroll_log_to_end(frm.screen);
+            return false;
+        }
+        store_page(frm, address);
+        frm.screen.ProgressBar1.Value = page + 1;
+    }
+    append_message(frm.screen, board_text::reading_done);
+    scroll_log_to_end(frm.screen);
+    return true;
+}
+
+void show_image(frmMain& frm) {
+    Image_Buffer& buffer = frm.images.AP_Buffer;
+    const auto read = std::span(buffer.Bytes).first(last_address + 1);
+    buffer.Sum = std::accumulate(read.begin(), read.end(), std::int32_t{0});
+    frm.screen.txtFileCheckSum.Text = checksum_text(buffer.Sum);
+    Refresh_Buffer_View(frm, buffer, frm.increase.Auto_Increase);
+    keep_keyboard(frm);
+}
+
+// Half of the storage is nothing to download; it can be looked at.
+void end_reading(frmMain& frm, bool whole) {
+    Image_Buffer& buffer = frm.images.AP_Buffer;
+    if (whole) {
+        buffer.Image_Low = buffer.File_Low = 0;
+        buffer.Image_High = buffer.File_High = last_address;
+        job_done(frm);
+    } else {
+        frm.images.File_Loaded = false;
+        job_failed(frm, session_text::step_read_board);
+    }
+    show_image(frm);
+}
+
+void read_storage(frmMain& frm) {
+    if (!open_board_port(frm, board_text::read_open_failed)) return;
+    take_over_image(frm);
+    job_runs(frm);
+    set_up_bar(frm, {.Min = 0, .Max = pages});
+    Show_Progress(frm, Progress::down_load);
+    append_message(frm.screen, board_text::reading);
+    scroll_log_to_end(frm.screen);
+    frm.link.use_crc = true;
+    const bool whole = read_pages(frm);
+    frm.link.use_crc = false;
+    Show_Progress(frm, Progress::hide);
+    end_reading(frm, whole);
+}
+
+}  // namespace
+
+// A board that wasn't reached, or an operator who stopped, ends it before the program in
+// the image is given up. Without a program there is none to lose.
+void Read24C512(frmMain& frm) {
+    const Session_Lease lease(frm);
+    if (!lease.granted()) return;
+    close_assistant_port(frm);
+    if (Board_Download(frm, true) == Board_Outcome::failed) return;
+    if (close_port(frm)) close_port(frm);
+    if (!frm.link.close_pending) read_storage(frm);
+    close_port(frm);
+    Set_UI_State(frm, frm.session.UI_State);
+}
+
+}  // namespace vkm
