@@ -76,6 +76,12 @@ TEST(Monitor_Loader, TheVariantsDifferInBothTables) {
     EXPECT_NE(monitor_loader(image_516).at_3300, monitor_loader(image_58).at_3300);
 }
 
+// mov target_high,#F0 or #90: where the boot firmware's upper half is for the ISP commands.
+TEST(Monitor_Loader, EachVariantCopiesToThePlaceOfItsChip) {
+    EXPECT_NE(joined(monitor_loader(image_516).at_2180).find("750AF0750B00"), std::string::npos);
+    EXPECT_NE(joined(monitor_loader(image_58).at_2180).find("750A90750B00"), std::string::npos);
+}
+
 TEST(Monitor_Loader, EveryOtherNameHasTheSmallerChipsVariant) {
     for (const auto name : {"", "VKM516_2003", "vkm516_2003.rom", "VKM516_2003.ROM "})
         EXPECT_EQ(&monitor_loader(name), &monitor_loader(image_58)) << name;
