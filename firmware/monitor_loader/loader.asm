@@ -71,11 +71,11 @@ TRIES = 4                       ; the first and three more: a cell that needs mo
 
 ; Waits until the command that was started has ended.
 ;
-; This is our choice of how to take the registers: bit 2 of the status says "under way" by
-; being 1, for every command, and is 0 when there is nothing to wait for. The wait ends on
-; a 0 only, so no other bit can be taken for the end. Then the bit is cleared, for a chip
-; that leaves that to the program: there it was 0 already where it means "under way", so
-; the clearing can do no harm.
+; This is our choice of how to take the registers: bit 2 of the status is 1 while a command
+; is under way, for every command, and 0 otherwise. The wait ends on that 0 and nothing
+; else, so no other bit of the status can be taken for the end. Clearing the bit then
+; changes nothing in a chip that drives it; in one where it is a cell that keeps its
+; value, the next command begins from a 0 whatever happened in between.
 wait_while_busy::
         mov     a,ISP_STATUS
         jb      acc.2,wait_while_busy
