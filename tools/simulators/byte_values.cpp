@@ -16,6 +16,22 @@ std::uint8_t sum_of(std::span<const std::uint8_t> bytes) {
     return static_cast<std::uint8_t>(sum);
 }
 
+std::uint16_t sum16_of(std::span<const std::uint8_t> bytes) {
+    unsigned sum = 0;
+    for (const std::uint8_t byte : bytes) sum += byte;
+    return static_cast<std::uint16_t>(sum);
+}
+
+std::uint16_t crc_of(std::span<const std::uint8_t> bytes) {
+    std::uint16_t crc = 0xFFFF;
+    for (const std::uint8_t byte : bytes) {
+        crc ^= byte;
+        for (int bit = 0; bit < 8; ++bit)
+            crc = static_cast<std::uint16_t>((crc & 1) != 0 ? crc >> 1 ^ 0xA001 : crc >> 1);
+    }
+    return crc;
+}
+
 std::string hex_text(std::span<const std::uint8_t> bytes) {
     std::string text;
     char digits[4];

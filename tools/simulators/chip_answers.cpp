@@ -20,68 +20,27 @@ constexpr std::size_t status_that_tells = 28;
 constexpr std::uint8_t needs_header = 0x80;
 
 constexpr std::size_t place_of_length = 3;
-constexpr std::uint8_t filler = 0xA5;
-
-const Fault* find(const std::vector<Fault>& struck, FaultKind kind) {
-    const auto found = std::find_if(struck.begin(), struck.end(),
-                                    [kind](const Fault& fault) { return fault.kind == kind; });
-    return found == struck.end() ? nullptr : &*found;
-}
 
 // A block's long answer is its code and its data sum.
 void spoil_payload(Bytes& payload, FrameKind kind, const std::vector<Fault>& struck) {
-    if (find(struck, FaultKind::wrong_data_sum) && kind == FrameKind::block && payload.size() == 2)
+    if (find_fault(struck, FaultKind::wrong_data_sum) && kind == FrameKind::block &&
+        payload.size() == 2)
         ++payload[1];
-    if (const Fault* fault = find(struck, FaultKind::other_code))
+    if (const Fault* fault = find_fault(struck, FaultKind::other_code))
         payload[0] = static_cast<std::uint8_t>(fault->value);
-}
-
-void spoil_bytes(Bytes& bytes, const std::vector<Fault>& struck) {
-    if (const Fault* fault = find(struck, FaultKind::wrong_length)) {
-        bytes[place_of_length] = static_cast<std::uint8_t>(fault->value >> 8);
-        bytes[place_of_length + 1] = static_cast<std::uint8_t>(fault->value);
-        bytes.resize(bytes.size() + static_cast<std::size_t>(std::max(0, fault->extra)), filler);
-    }
-    if (const Fault* fault = find(struck, FaultKind::damage)) {
-        const auto place = static_cast<std::size_t>(std::max<std::int64_t>(0, fault->value));
-        bytes[std::min(place, bytes.size() - 1)] ^= fault->mask;
-    }
-    if (const Fault* fault = find(struck, FaultKind::cut_off)) {
-        const auto kept = static_cast<std::size_t>(std::max<std::int64_t>(0, fault->value));
-        bytes.resize(std::min(kept, bytes.size()));
-    }
-    if (const Fault* fault = find(struck, FaultKind::noise))
-        bytes.insert(bytes.begin(), fault->bytes.begin(), fault->bytes.end());
-    if (find(struck, FaultKind::twice)) {
-        const Bytes once = bytes;
-        bytes.insert(bytes.end(), once.begin(), once.end());
-    }
 }
 
 }  // namespace
 
-// Which of the planned faults strike this frame.
-std::vector<Fault> SimulatedChip::strike(FrameKind kind) {
-    std::vector<Fault> struck;
-    for (PlannedFault& planned : plan_) {
-        const Fault& fault = planned.fault;
-        if (fault.frame != FrameKind::any && fault.frame != kind) continue;
-        ++planned.seen;
-        const bool over = fault.times > 0 && planned.seen >= fault.nth + fault.times;
-        if (planned.seen >= fault.nth && !over) struck.push_back(fault);
-    }
-    return struck;
-}
-
 // True when the frame comes to nothing, since it isn't heard or kills the power.
 bool SimulatedChip::struck_dead(Instant at, const std::vector<Fault>& struck) {
-    if (const Fault* fault = find(struck, FaultKind::power_loss)) {
+    if (const Fault* fault = find_fault(struck, FaultKind::power_loss)) {
         switch_off();
         if (fault->value > 0)
             power_events_.push_front({at + milliseconds{fault->value}, true, false});
         return true;
     }
-    return find(struck, FaultKind::lose_frame) != nullptr;
+    return find_fault(struck, FaultKind::lose_frame) != nullptr;
 }
 
 bool SimulatedChip::precedes_answers_with_noise(FrameKind kind) const {
@@ -93,14 +52,15 @@ void SimulatedChip::answer(Instant at, FrameKind kind, Outcome outcome,
                            const std::vector<Fault>& struck) {
     Instant start = at + config_.turnaround + outcome.work;
     busy_until_ = start;
-    if (!outcome.answered || find(struck, FaultKind::lose_reply)) return;
+    if (!outcome.answered || find_fault(struck, FaultKind::lose_reply)) return;
 
     spoil_payload(outcome.payload, kind, struck);
-    Bytes bytes = build_reply(outcome.payload);
-    spoil_bytes(bytes, struck);
+    Bytes bytes = build_reply(chip_reply, outcome.payload);
+    spoil_answer(bytes, place_of_length, struck);
     if (precedes_answers_with_noise(kind))
         bytes.insert(bytes.begin(), line_noise.begin(), line_noise.end());
-    if (const Fault* fault = find(struck, FaultKind::delay)) start += milliseconds{fault->value};
+    if (const Fault* fault = find_fault(struck, FaultKind::delay))
+        start += milliseconds{fault->value};
 
     const double rate = outcome.rate.value_or(rate_);
     for (std::size_t i = 0; i < bytes.size(); ++i)

@@ -118,7 +118,7 @@ void SimulatedChip::frame_heard(Instant at) {
     if (state_ == ChipState::listening) return;  // for nothing but the trigger
     ++counters_.frames;
     log_frame({at, false, kind, rate_, {receiver_.frame().begin(), receiver_.frame().end()}});
-    const std::vector<Fault> struck = strike(kind);
+    const std::vector<Fault> struck = plan_.strike(kind);
     if (struck_dead(at, struck)) return;
     answer(at, kind, carry_out(kind, at), struck);
 }

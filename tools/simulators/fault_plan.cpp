@@ -9,10 +9,7 @@
 namespace vkm::sim {
 namespace {
 
-template <typename Kind, std::size_t N>
-using Names = std::array<std::pair<Kind, std::string_view>, N>;
-
-constexpr Names<FrameKind, 13> frame_names{{
+constexpr std::array<FrameName<FrameKind>, 13> names_of_chip_frames{{
     {FrameKind::any, "any"},
     {FrameKind::status, "status"},
     {FrameKind::watchdog, "watchdog"},
@@ -28,7 +25,7 @@ constexpr Names<FrameKind, 13> frame_names{{
     {FrameKind::unknown, "unknown"},
 }};
 
-constexpr Names<FaultKind, 11> fault_names{{
+constexpr std::array<std::pair<FaultKind, std::string_view>, 12> fault_names{{
     {FaultKind::lose_frame, "lose_frame"},
     {FaultKind::lose_reply, "lose_reply"},
     {FaultKind::damage, "damage"},
@@ -36,25 +33,12 @@ constexpr Names<FaultKind, 11> fault_names{{
     {FaultKind::twice, "twice"},
     {FaultKind::cut_off, "cut_off"},
     {FaultKind::noise, "noise"},
+    {FaultKind::wrong_sum, "wrong_sum"},
     {FaultKind::wrong_data_sum, "wrong_data_sum"},
     {FaultKind::other_code, "other_code"},
     {FaultKind::wrong_length, "wrong_length"},
     {FaultKind::power_loss, "power_loss"},
 }};
-
-template <typename Kind, std::size_t N>
-std::string_view name_in(const Names<Kind, N>& names, Kind kind) {
-    for (const auto& [entry, name] : names)
-        if (entry == kind) return name;
-    return "?";
-}
-
-template <typename Kind, std::size_t N>
-std::optional<Kind> kind_in(const Names<Kind, N>& names, std::string_view name) {
-    for (const auto& [kind, entry] : names)
-        if (entry == name) return kind;
-    return std::nullopt;
-}
 
 // What the kinds do when no value is told.
 void set_default_value(Fault& fault) {
@@ -93,34 +77,34 @@ FaultPlan answers_from(FrameKind frame, int nth) {
     return {fault};
 }
 
-std::string_view name_of(FrameKind kind) {
-    return name_in(frame_names, kind);
-}
-std::string_view name_of(FaultKind kind) {
-    return name_in(fault_names, kind);
-}
-std::optional<FrameKind> frame_kind_named(std::string_view name) {
-    return kind_in(frame_names, name);
-}
-std::optional<FaultKind> fault_kind_named(std::string_view name) {
-    return kind_in(fault_names, name);
+template <>
+std::span<const FrameName<FrameKind>> frame_names<FrameKind>() {
+    return names_of_chip_frames;
 }
 
-std::optional<Fault> parse_fault(std::string_view text) {
-    Fault fault;
+std::string_view name_of(FaultKind kind) {
+    for (const auto& [entry, name] : fault_names)
+        if (entry == kind) return name;
+    return "?";
+}
+
+std::optional<FaultKind> fault_kind_named(std::string_view name) {
+    for (const auto& [kind, entry] : fault_names)
+        if (entry == name) return kind;
+    return std::nullopt;
+}
+
+std::optional<FaultText> parse_fault_text(std::string_view text) {
     const auto value = split_off(text, '=');
     const auto times = split_off(text, '*');
     const auto nth = split_off(text, ':');
     const auto frame = split_off(text, '@');
 
     const auto kind = fault_kind_named(text);
-    if (!kind) return std::nullopt;
+    if (!kind || (frame && frame->empty())) return std::nullopt;
+    FaultText read{{}, frame.value_or("")};
+    Fault& fault = read.fault;
     fault.kind = *kind;
-    if (frame) {
-        const auto frame_kind = frame_kind_named(*frame);
-        if (!frame_kind) return std::nullopt;
-        fault.frame = *frame_kind;
-    }
     constexpr int most = std::numeric_limits<int>::max();
     const auto nth_number = parse_whole(nth.value_or("1"), 1, most);
     const auto times_number = parse_whole(times.value_or("1"), 0, most);
@@ -129,7 +113,7 @@ std::optional<Fault> parse_fault(std::string_view text) {
     fault.times = *times_number;
 
     set_default_value(fault);
-    if (!value) return fault;
+    if (!value) return read;
     if (fault.kind == FaultKind::noise) {
         const auto bytes = parse_bytes(*value);
         if (!bytes) return std::nullopt;
@@ -139,7 +123,7 @@ std::optional<Fault> parse_fault(std::string_view text) {
         if (!number) return std::nullopt;
         fault.value = *number;
     }
-    return fault;
+    return read;
 }
 
 }  // namespace vkm::sim

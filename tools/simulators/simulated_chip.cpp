@@ -122,10 +122,6 @@ void SimulatedChip::load_flash(std::span<const std::uint8_t> bytes) {
     flash_.fill(bytes);
 }
 
-void SimulatedChip::add_fault(const Fault& fault) {
-    plan_.push_back({fault, 0});
-}
-
 // ---- what can be seen ---------------------------------------------------------
 
 std::span<const int> SimulatedChip::option_numbers() const {
@@ -314,7 +310,7 @@ void SimulatedChip::hear_pulse(Instant at, std::uint8_t value, double baud) {
 }
 
 void SimulatedChip::connect(Instant at, bool by_trigger, double baud) {
-    const std::vector<Fault> struck = strike(FrameKind::status);
+    const std::vector<Fault> struck = plan_.strike(FrameKind::status);
     if (struck_dead(at, struck)) return;
     by_trigger_ = by_trigger;
     state_ = ChipState::base;

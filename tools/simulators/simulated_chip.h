@@ -25,9 +25,10 @@
 #include <vector>
 
 #include "simulators/chip_config.h"
-#include "simulators/chip_frames.h"
 #include "simulators/chip_silicon.h"
 #include "simulators/fault_plan.h"
+#include "simulators/fault_strikes.h"
+#include "simulators/frames.h"
 #include "simulators/nor_flash.h"
 #include "simulators/wire.h"
 
@@ -92,8 +93,8 @@ class SimulatedChip {
     // What the flash holds, from address 0; the rest of it stays.
     void load_flash(std::span<const std::uint8_t> bytes);
     void set_options(const OptionBytes& options) { options_ = options; }
-    void add_fault(const Fault& fault);
-    void forget_faults() { plan_.clear(); }
+    void add_fault(const Fault& fault) { plan_.add(fault); }
+    void forget_faults() { plan_.forget(); }
 
     // ---- what a test or a person wants to see ---------------------------------
     const ChipConfig& config() const { return config_; }
@@ -125,10 +126,6 @@ class SimulatedChip {
         std::chrono::microseconds work{0};  // before the answer
         std::optional<double> rate;         // of the answer, if not the one in force
     };
-    struct PlannedFault {
-        Fault fault;
-        int seen = 0;  // frames of its kind so far
-    };
     struct PowerEvent {
         Instant at;
         bool on = false;
@@ -157,7 +154,6 @@ class SimulatedChip {
     void log_frame(LoggedFrame frame);
 
     // ---- chip_answers.cpp: answers, and what goes wrong with them ----
-    std::vector<Fault> strike(FrameKind kind);
     bool struck_dead(Instant at, const std::vector<Fault>& struck);
     void answer(Instant at, FrameKind kind, Outcome outcome, const std::vector<Fault>& struck);
     bool precedes_answers_with_noise(FrameKind kind) const;
@@ -210,7 +206,7 @@ class SimulatedChip {
     Instant listens_until_ = never;  // for pulses; then the user program starts
     int pulses_in_row_ = 0;
     std::array<std::uint16_t, 8> clock_counts_{};
-    FrameReceiver receiver_;
+    FrameReceiver receiver_{chip_request};
     Instant last_byte_{};
     Instant busy_until_{};                         // until then it hears nothing
     bool objected_ = false;                        // to the present row of garbled or missed bytes
@@ -224,7 +220,7 @@ class SimulatedChip {
     std::vector<WireByte> output_;         // given out at the next take_output
     std::deque<PowerEvent> power_events_;  // in order of time
 
-    std::vector<PlannedFault> plan_;
+    FaultSchedule<FrameKind> plan_;
     ChipCounters counters_;
     std::vector<std::string> faults_;
     std::vector<LoggedFrame> log_;
