@@ -11,7 +11,7 @@
 #include "vkm_chip/chip_arguments.h"
 #include "vkm_chip/chip_control.h"
 #include "vkm_chip/chip_reports.h"
-#include "vkm_chip/flash_file.h"
+#include "pseudo_terminal/flash_file.h"
 
 namespace vkm::test {
 namespace {

@@ -228,7 +228,7 @@ constexpr std::string_view help_tail =
     "loses the third block's answer, \"delay@erase=2500\" delays that of the first erase,\n"
     "\"lose_frame@test_baud:1*0\" hears no baud test at all (TIMES 0: all that follow).\n"
     "KIND: lose_frame, lose_reply, damage (VALUE: which byte), delay (ms), twice, cut_off\n"
-    "  (bytes kept), noise (hexadecimal bytes), wrong_data_sum, other_code (code),\n"
+    "  (bytes kept), noise (hexadecimal bytes), wrong_sum, wrong_data_sum, other_code (code),\n"
     "  wrong_length (length field), power_loss (ms until it returns, 0: never)\n"
     "FRAME: any, status, watchdog, test_baud, set_baud, link_check, erase, block,\n"
     "  status_read, options, trigger, last_command\n"

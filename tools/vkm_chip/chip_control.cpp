@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "pseudo_terminal/command_line.h"
+#include "pseudo_terminal/flash_file.h"
 #include "simulators/value_forms.h"
 #include "vkm_chip/chip_reports.h"
-#include "vkm_chip/flash_file.h"
 
 namespace vkm::sim {
 namespace {

@@ -5,12 +5,12 @@
 #include <string_view>
 
 #include "catalogue/model_table.h"
+#include "pseudo_terminal/flash_file.h"
 #include "pseudo_terminal/target_program.h"
 #include "simulators/simulated_chip.h"
 #include "vkm_chip/chip_arguments.h"
 #include "vkm_chip/chip_control.h"
 #include "vkm_chip/chip_reports.h"
-#include "vkm_chip/flash_file.h"
 #include "vkm_chip/line_meter.h"
 
 namespace vkm::sim {

@@ -1,17 +1,15 @@
 #include "vkm_target/target_arguments.h"
 
-#include <chrono>
 #include <utility>
 
+#include "pseudo_terminal/timed_values.h"
 #include "simulators/value_forms.h"
 
 namespace vkm::sim {
 namespace {
 
 using std::chrono::microseconds;
-using std::chrono::milliseconds;
 
-constexpr int longest_ms = 600'000;
 constexpr int most_stops = 1'000'000;
 
 // False when it is to be of both kinds.
@@ -19,18 +17,6 @@ bool set_kind(TargetArguments& arguments, TargetArguments::Kind kind) {
     const bool first = arguments.kind == TargetArguments::Kind::none;
     if (first) arguments.kind = kind;
     return arguments.kind == kind;
-}
-
-bool set_milliseconds(std::string_view text, microseconds& time) {
-    const auto ms = parse_whole(text, 0, longest_ms);
-    if (ms) time = milliseconds{*ms};
-    return ms.has_value();
-}
-
-bool set_microseconds(std::string_view text, microseconds& time) {
-    const auto us = parse_whole(text, 0, 60'000'000);
-    if (us) time = microseconds{*us};
-    return us.has_value();
 }
 
 bool add_saying(TargetArguments& arguments, std::optional<std::vector<std::uint8_t>> bytes) {

@@ -1,4 +1,4 @@
-// What a simulated flash holds, as a plain binary file.
+// What a simulated memory holds, as a plain binary file.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "vkm_chip/flash_file.h"
+#include "pseudo_terminal/flash_file.h"
 
 #include <unistd.h>
 
