@@ -275,6 +275,57 @@ class Target(Simulator):
         return bytes.fromhex(self.do("heard"))
 
 
+class Board(Simulator):
+    """vkm-board: a download board, with a chip in its socket."""
+
+    def __init__(self, folder, **options):
+        super().__init__("vkm-board", "board", folder, **options)
+
+    def storage(self, first=0, count=0x10000):
+        return bytes.fromhex(self.do(f"storage {first:X} {count:X}"))
+
+    def ranges(self):
+        """What was written in each stage, as pairs of addresses, the last included."""
+        first, second = self.do("ranges").removeprefix("first").split("second")
+        return [[tuple(int(end, 16) for end in pair.split("-")) for pair in text.split()] for text in (first, second)]
+
+    def counters(self):
+        return _counters(self.do("counters"))
+
+    def faults(self):
+        """Its objections since the last time, as one text."""
+        return self.do("faults")
+
+    def program(self):
+        """Programs the chip in its socket; "done ..." or "failed: ..."."""
+        return self.do("program")
+
+    def chip_flash(self, first, count):
+        return bytes.fromhex(self.do(f"chip-flash {first:X} {count:X}"))
+
+
+class IspTarget(Simulator):
+    """vkm-isp-target: a target with a user's own ISP program."""
+
+    def __init__(self, folder, **options):
+        super().__init__("vkm-isp-target", "isp-target", folder, **options)
+
+    def flash(self, first, count):
+        return bytes.fromhex(self.do(f"flash {first:X} {count:X}"))
+
+    def counters(self):
+        return _counters(self.do("counters"))
+
+    def faults(self):
+        """Its objections since the last time, as one text."""
+        return self.do("faults")
+
+
+def _counters(text):
+    """name=number, without what else stands there."""
+    return {name: int(number) for name, _, number in (word.partition("=") for word in text.split()) if number}
+
+
 _numbers = itertools.count(1)
 
 
@@ -301,6 +352,16 @@ class Bench:
 
     def target(self, **options):
         target = Target(self.folder, **options)
+        self.started.append(target)
+        return target
+
+    def board(self, **options):
+        board = Board(self.folder, **options)
+        self.started.append(board)
+        return board
+
+    def isp_target(self, **options):
+        target = IspTarget(self.folder, **options)
         self.started.append(target)
         return target
 
