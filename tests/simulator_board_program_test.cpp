@@ -54,7 +54,7 @@ TEST(VkmBoardRealTime, WakesAndStoresAndTells) {
     EXPECT_EQ(program.answer("storage 407E 2"), "ok 7E 7F");
     EXPECT_EQ(program.answer("ranges"), "ok first 4000-407F second");
     EXPECT_EQ(program.answer("program"),
-              "ok failed: the CRC of the parameters is wrong chips_left=4096");
+              "ok failed: the CRC of the parameters is wrong chips_left=4196352");
     EXPECT_EQ(program.answer("power off"), "ok");
     EXPECT_EQ(program.line_with("unpowered"), "unpowered");
     EXPECT_EQ(program.answer("faults"), "ok");
