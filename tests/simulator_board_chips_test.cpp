@@ -216,6 +216,28 @@ TEST(BoardProgrammer, TakesEitherIdOfAChipAndNoOther) {
     EXPECT_TRUE(storage.bytes == before);
 }
 
+TEST(BoardProgrammer, TakesNoMissingIdForThatOfAChip) {
+    BoardStorage storage = storage_2(some_code(100));
+    ChipConfig config = chip_of(model_2);
+    config.id = Bytes{0x00, 0x00};
+    Socket socket(config);
+    EXPECT_EQ(socket.program(storage).problem, "the chip is another one");
+}
+
+TEST(BoardProgrammer, SparesFirmwareWithoutAWatchdogOptionThatByte) {
+    BoardStorage storage("VKM26H5052", some_code(100));
+    storage.put(0x20, 0xF205, 2);
+    storage.put(0x31, 0xFC, 1);
+    storage.put(0x32, 0xF7, 1);
+    storage.seal();
+    ChipConfig config = chip_of("VKM26H5052");
+    config.version = 0x36;
+    Socket socket(config);
+    EXPECT_EQ(socket.program(storage).problem, "");
+    EXPECT_EQ(socket.chip.options()[3], 0xFF);
+    EXPECT_TRUE(socket.chip.faults().empty());
+}
+
 // ---- its two parts of code ----------------------------------------------------------------
 
 TEST(BoardProgrammer, FindsCodeThatReachesIntoTheSecondPart) {
@@ -405,6 +427,7 @@ TEST(BoardProgrammer, TriesABlockAgainFromItsBeginning) {
         const BoardProgramming result = socket.program(storage);
         EXPECT_EQ(result.problem, "") << fault;
         EXPECT_GE(result.retries, 1) << fault;
+        EXPECT_GE(socket.chip.counters().retried_blocks, 1) << fault;
         expect_code(socket, code);
         EXPECT_TRUE(socket.chip.faults().empty()) << fault;
     }

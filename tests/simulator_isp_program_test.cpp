@@ -132,7 +132,7 @@ TEST(SimulatedIspProgram, LeavesBehindTheSecondEndOfTheJob) {
     bench.driver.advance(50ms);
     bench.driver.send(end_job);
     EXPECT_TRUE(bench.target.awake());
-    bench.driver.advance(100ms);
+    bench.driver.advance(60ms);
     EXPECT_FALSE(bench.target.awake());
     EXPECT_EQ(bench.target.counters().ends, 2);
     EXPECT_EQ(bench.target.counters().leaves, 1);
