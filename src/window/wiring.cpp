@@ -18,6 +18,7 @@
 #include "session/download_session.h"
 #include "session/read_chip_lock.h"
 #include "session/session_lease.h"
+#include "session/soft_ice.h"
 #include "session/user_code.h"
 #include "window/main_window.h"
 #include "window/settings.h"
@@ -175,6 +176,8 @@ constexpr Wire wire_table[] = {
     {"com_Demo_DownLoad",        Click,   run<com_Demo_DownLoad>},
     {"com_Demo_Re_DownLoad",     Click,   run<com_Demo_Re_DownLoad>},
     {"com_Demo_Stop",            Click,   run<com_Demo_Stop>},
+    // Debug monitor
+    {"comDownSoft_ICE",          Click,   run<comDownSoft_ICE>},
     // Save File
     {"txt_Start_Address",        Change,  run<Enable_Save_File>},
     {"txt_length",               Change,  run<Enable_Save_File>},

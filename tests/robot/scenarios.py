@@ -822,7 +822,7 @@ def _(bench):
         ({"command": "choose", "on": "comLoadFile", "index": 0}, "comLoadFile"),
         ({"command": "value", "name": "Board_Block"}, "Board_Block"),
         ({"command": "value", "name": "MCU_Info.Colour"}, "MCU_Info.Colour"),
-        ({"command": "bytes", "image": "Board_Image", "from": 0, "count": 1}, "Board_Image"),
+        ({"command": "bytes", "image": "T100_Buffer", "from": 0, "count": 1}, "T100_Buffer"),
         ({"command": "bytes", "image": "AP_Buffer", "from": 0x12000, "count": 2}, "AP_Buffer"),
         ({"command": "bytes", "image": "AP_Buffer", "from": -1, "count": 2}, "AP_Buffer"),
         ({"command": "box", "answer": "perhaps"}, "perhaps"),

@@ -116,6 +116,7 @@ const Values& values() {
 const std::vector<std::uint8_t>& bytes_of(const frmMain& frm, const QString& image) {
     if (image == "AP_Buffer") return frm.images.AP_Buffer.Bytes;
     if (image == "Data_Buffer") return frm.images.Data_Buffer.Bytes;
+    if (image == "Board_Image") return frm.board.Board_Image;
     throw Refusal{"unknown image " + image};
 }
 

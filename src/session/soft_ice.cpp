@@ -1,0 +1,144 @@
+#include "session/soft_ice.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "image/image_files.h"
+#include "image/image_messages.h"
+#include "image/readers.h"
+#include "increase/auto_increase.h"
+#include "session/download_session.h"
+#include "session/end_session.h"
+#include "session/job_steps.h"
+#include "session/programming.h"
+#include "session/session_lease.h"
+#include "session/session_report.h"
+#include "session/session_texts.h"
+#include "session/soft_ice_image.h"
+#include "session/verdict.h"
+#include "waiting/waiting.h"
+
+namespace vkm {
+namespace {
+
+constexpr std::string_view monitor_start_file = "VKM2000.rom";
+constexpr std::int32_t show_result_ms = 1000;
+
+std::string beside_program(const frmMain& frm, std::string_view name) {
+    return frm.platform.files.program_folder() + "/" + std::string(name);
+}
+
+bool has_content(frmMain& frm, std::string_view name) {
+    const std::string path = beside_program(frm, name);
+    const auto stamp = frm.platform.files.stamp(path);
+    if (stamp && stamp->size > 0 && frm.platform.files.open(path)) return true;
+    const auto& around = session_text::monitor_file_empty;
+    frm.platform.dialogs.show_text(std::string(around[0]) + std::string(name) +
+                                   std::string(around[1]));
+    return false;
+}
+
+// Both files stand beside the program, and there is something in them.
+bool files_ready(frmMain& frm) {
+    const std::string& monitor = frm.catalogue.SoftICE_File;
+    const auto tell_missing = [&](std::string_view name) {
+        frm.platform.dialogs.show_text(std::string(session_text::monitor_file_missing) +
+                                       std::string(name));
+        return false;
+    };
+    if (!frm.platform.files.exists(beside_program(frm, monitor_start_file)))
+        return tell_missing(std::string(monitor_start_file) + ".");
+    if (!frm.platform.files.exists(beside_program(frm, monitor))) return tell_missing(monitor);
+    return has_content(frm, monitor_start_file) && has_content(frm, monitor);
+}
+
+bool operator_agrees(frmMain& frm) {
+    Dialogs& dialogs = frm.platform.dialogs;
+    return dialogs.ask_yes_no(session_text::ask_for_monitor) &&
+           dialogs.ask_yes_no(session_text::ask_for_model);
+}
+
+// The image is no file's any more: nothing reads it again, and no number goes into it.
+void take_over_image(frmMain& frm) {
+    Image_Buffer& buffer = frm.images.AP_Buffer;
+    Reset_Buffer(frm, 0, buffer);
+    frm.images.Program_File.clear();
+    frm.images.Program_Spoilt = false;
+    frm.images.Buffer_Edit_OK = false;
+    Switch_Numbering_Off(frm);
+    frm.screen.Frame7.Caption =
+        std::string(image_text::program_caption) + frm.catalogue.SoftICE_File;
+}
+
+// The first bytes of a file, as the reader of binary files takes them; behind a short one
+// stands FF.
+std::vector<std::uint8_t> beginning_of(frmMain& frm, std::string_view name, std::size_t count) {
+    Image_Buffer& buffer = frm.images.AP_Buffer;
+    frm.images.Current_File = beside_program(frm, name);
+    buffer.Start_Add = 0;
+    blank_monitor_area(buffer.Bytes);
+    Read_Bin_File(frm, frm.images.Current_File, buffer);
+    return {buffer.Bytes.begin(), buffer.Bytes.begin() + static_cast<std::ptrdiff_t>(count)};
+}
+
+void build_image(frmMain& frm) {
+    Image_Buffer& buffer = frm.images.AP_Buffer;
+    const std::string SoftICE_File = frm.catalogue.SoftICE_File;
+    const auto start = beginning_of(frm, monitor_start_file, monitor_start_size);
+    const auto monitor = beginning_of(frm, SoftICE_File, monitor_size);
+    Fill_Bytes(0, buffer.Bytes);
+    lay_out_monitor(buffer.Bytes, std::span(start).first<monitor_start_size>(),
+                    std::span(monitor).first<monitor_size>(), SoftICE_File);
+}
+
+void take_range(Image_Buffer& buffer, Address_Range range) {
+    buffer.Image_Low = buffer.File_Low = range.first;
+    buffer.Image_High = buffer.File_High = range.last;
+}
+
+bool program(frmMain& frm) {
+    frm.session.Program_OK = false;
+    Program_Image(frm);
+    return frm.session.Program_OK;
+}
+
+bool program_monitor(frmMain& frm) {
+    Image_Buffer& buffer = frm.images.AP_Buffer;
+    take_range(buffer, monitor_range);
+    Refresh_Buffer_View(frm, buffer, frm.increase.Auto_Increase);
+    keep_keyboard(frm);
+    if (!connect_and_erase(frm) || !program(frm)) return false;
+    buffer.Image_Low = reset_range.first;
+    buffer.Image_High = reset_range.last;
+    return program(frm);
+}
+
+void finish(frmMain& frm) {
+    End_Session(frm);
+    Show_Progress(frm, Progress::hide);
+    report(frm, session_text::monitor_done);
+    job_done(frm);
+    restart_timer(frm, frm.timers.Timer10, show_result_ms);
+    wait_until(frm, [&] { return !frm.timers.Timer10.Enabled || frm.link.stop_requested; });
+}
+
+}  // namespace
+
+void comDownSoft_ICE(frmMain& frm) {
+    const Session_Lease lease(frm);
+    if (!lease.granted()) return;
+    close_assistant_port(frm);
+    if (!files_ready(frm) || !operator_agrees(frm)) return;
+    // The window may have been closed behind the boxes.
+    if (frm.link.close_pending) return;
+    take_over_image(frm);
+    begin_session(frm);
+    job_runs(frm);
+    build_image(frm);
+    if (program_monitor(frm)) finish(frm);
+    comStop_Download(frm);
+}
+
+}  // namespace vkm
