@@ -45,19 +45,32 @@ bool send_chip_block(frmMain& frm, const DataFrame& frame) {
     return true;
 }
 
+// No longer than so many bytes need, and a margin: a driver may never let go of them.
+template <typename Unsent>
+void poll_while(frmMain& frm, std::size_t bytes, Unsent unsent) {
+    const Instant limit = frm.platform.loop.now() + time_on_wire(frm.platform.port, bytes) +
+                          Milliseconds(output_margin_ms);
+    while (unsent() > 0 && frm.platform.loop.now() < limit) wait_ms(frm, output_poll_ms);
+}
+
+void wait_until_handed_over(frmMain& frm, std::size_t bytes) {
+    poll_while(frm, bytes, [&] { return frm.platform.port.held_output(); });
+}
+
 bool demo_block_acknowledged(const LinkState& link, std::uint16_t data_sum) {
     return link.rx_copy[5] * 256 + link.rx_copy[6] == data_sum;
 }
 
 // This class clears behind the write, and twice: whatever the program answered to the
 // frame before is not taken for the answer to this one. The clearing waits until the
-// frame has gone, which it would cut off otherwise.
+// device has the frame, which it would cut off otherwise, and no longer: the answer may
+// be on its way.
 bool send_demo_block(frmMain& frm, const DataFrame& frame) {
     LinkState& link = frm.link;
     if (link.stop_requested) return false;
     reset_receive(frm);
     write_frame(frm, frame.bytes);
-    wait_until_sent(frm, frame.bytes.size());
+    wait_until_handed_over(frm, frame.bytes.size());
     if (link.stop_requested) return false;
     reset_receive(frm);
     link.demo_frame_ok = false;
@@ -94,10 +107,7 @@ void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes) {
 }
 
 void wait_until_sent(frmMain& frm, std::size_t bytes) {
-    const SerialPort& port = frm.platform.port;
-    const Instant limit =
-        frm.platform.loop.now() + time_on_wire(port, bytes) + Milliseconds(output_margin_ms);
-    while (port.output_count() > 0 && frm.platform.loop.now() < limit) wait_ms(frm, output_poll_ms);
+    poll_while(frm, bytes, [&] { return frm.platform.port.output_count(); });
 }
 
 void settle(frmMain& frm) {

@@ -56,8 +56,12 @@ class SerialPort {
     virtual std::size_t input_count() const = 0;
     virtual void clear_input() = 0;
 
-    // Bytes written that have not yet left the wire. clear_output drops them.
+    // Bytes written that have not yet left the wire.
     virtual std::size_t output_count() const = 0;
+
+    // Those of them that lie with the system still, and not in the device: clear_output
+    // drops them.
+    virtual std::size_t held_output() const = 0;
     virtual void clear_output() = 0;
 
     // Bytes take their time to the other end, so that nothing there can answer a

@@ -167,8 +167,8 @@ bool program_one_chip(frmMain& frm) {
     if (!step(frm, Demo_Erase(frm), step_erase)) return false;
     if (!step(frm, program(frm), step_program)) return false;
     Show_Progress(frm, Progress::hide);
-    send_demo_command(frm, end_of_job);
-    send_demo_command(frm, end_of_job);
+    for (int told = 0; told < 2; ++told) send_demo_command(frm, end_of_job);
+    wait_until_sent(frm, frm.platform.port.output_count());
     report_success(frm);
     job_done(frm);
     if (frm.screen.optBeepYes.Value != 0) frm.platform.sounder.beep();

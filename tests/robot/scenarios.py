@@ -16,6 +16,8 @@ import subprocess
 import sys
 import time
 
+import board_scenarios
+import isp_program_scenarios
 import monitor_scenarios
 import option_scenarios
 import production_scenarios
@@ -915,6 +917,8 @@ scenarios.update(option_scenarios.scenarios)
 scenarios.update(production_scenarios.scenarios)
 scenarios.update(terminal_scenarios.scenarios)
 scenarios.update(monitor_scenarios.scenarios)
+scenarios.update(board_scenarios.scenarios)
+scenarios.update(isp_program_scenarios.scenarios)
 
 if __name__ == "__main__":
     try:

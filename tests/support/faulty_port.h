@@ -30,6 +30,7 @@ class ForwardingPort : public SerialPort {
     std::size_t input_count() const override { return below_.input_count(); }
     void clear_input() override { below_.clear_input(); }
     std::size_t output_count() const override { return below_.output_count(); }
+    std::size_t held_output() const override { return below_.held_output(); }
     void clear_output() override { below_.clear_output(); }
     bool has_wire() const override { return below_.has_wire(); }
     void write(std::span<const std::uint8_t> bytes) override { below_.write(bytes); }

@@ -44,6 +44,7 @@ class VirtualPort final : public SerialPort {
     std::size_t input_count() const override { return open_ ? line_.input.size() : 0; }
     void clear_input() override { line_.input.clear(); }
     std::size_t output_count() const override { return open_ ? line_.unsent() : 0; }
+    std::size_t held_output() const override { return output_count(); }
     void clear_output() override { line_.drop_unsent(loop_.now()); }
     bool has_wire() const override { return open_ && wired; }
     void write(std::span<const std::uint8_t> bytes) override;

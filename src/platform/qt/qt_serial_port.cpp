@@ -142,9 +142,14 @@ std::size_t QtSerialPort::output_count() const {
     return std::max(held_by_system(), clock_.unsent(monotonic_now()));
 }
 
+std::size_t QtSerialPort::held_output() const {
+    return is_open() ? held_by_system() : 0;
+}
+
+// Of what the device has already it would drop some, and a pseudo-terminal has all of it.
 void QtSerialPort::clear_output() {
     if (!is_open()) return;
-    port_.clear(QSerialPort::Output);
+    if (held_by_system() > 0) port_.clear(QSerialPort::Output);
     clock_.dropped();
 }
 

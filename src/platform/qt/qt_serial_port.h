@@ -37,6 +37,7 @@ class QtSerialPort final : public SerialPort {
     std::size_t input_count() const override;
     void clear_input() override;
     std::size_t output_count() const override;
+    std::size_t held_output() const override;
     void clear_output() override;
     bool has_wire() const override { return is_open() && shifts_bits_; }
     void write(std::span<const std::uint8_t> bytes) override;
