@@ -55,4 +55,8 @@ void Show_ISP_Range(frmMain& frm) {
     frm.screen.txtISP_reange[1].Text = four_digits(range.shown_end);
 }
 
+void Settle_ISP_Range(frmMain& frm) {
+    if (frm.timers.Timer3.Enabled) Show_ISP_Range(frm);
+}
+
 }  // namespace vkm

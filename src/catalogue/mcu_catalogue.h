@@ -30,4 +30,8 @@ std::string Find_Code_Record(frmMain& frm, std::string_view code, MCU_Record& re
 // Computes ISP_Start of the selected model and shows its program area.
 void Show_ISP_Range(frmMain& frm);
 
+// The same at once for a model that was chosen a moment ago, which Timer3 would do it for:
+// a load must not work with the ranges of the model before.
+void Settle_ISP_Range(frmMain& frm);
+
 }  // namespace vkm

@@ -53,9 +53,7 @@ void Read_Buffer_Options(frmMain& frm, Image_Buffer& buffer) {
 
 bool Load_File(frmMain& frm, const std::string& path, Image_Buffer& buffer) {
     if (path.empty()) return false;
-    // A model chosen a moment ago has its ranges computed at Timer3's tick; this
-    // load must not work with those of the model before.
-    if (frm.timers.Timer3.Enabled) Show_ISP_Range(frm);
+    Settle_ISP_Range(frm);
 
     Read_Buffer_Options(frm, buffer);
     if (!start_in_range(buffer.Start_Add, frm.catalogue.MCU_Info, is_program_image(buffer))) {

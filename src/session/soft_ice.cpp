@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "catalogue/mcu_catalogue.h"
 #include "image/image_files.h"
 #include "image/image_messages.h"
 #include "image/readers.h"
@@ -84,6 +85,7 @@ std::vector<std::uint8_t> beginning_of(frmMain& frm, std::string_view name, std:
 }
 
 void build_image(frmMain& frm) {
+    Settle_ISP_Range(frm);
     Image_Buffer& buffer = frm.images.AP_Buffer;
     const std::string SoftICE_File = frm.catalogue.SoftICE_File;
     const auto start = beginning_of(frm, monitor_start_file, monitor_start_size);
