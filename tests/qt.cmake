@@ -15,6 +15,6 @@ vkm_qt_test(qt_port_test
 vkm_qt_test(qt_screen_test SOURCES qt_screen_test.cpp qt_buffer_page_test.cpp qt_text_mapping_test.cpp)
 vkm_qt_test(qt_option_panel_test SOURCES qt_option_panel_test.cpp)
 vkm_qt_test(qt_loop_test SOURCES qt_loop_test.cpp)
-vkm_qt_test(qt_pages_test SOURCES qt_long_text_test.cpp qt_monitor_pages_test.cpp qt_assistant_page_test.cpp qt_pseudo_terminal.cpp)
+vkm_qt_test(qt_pages_test SOURCES qt_long_text_test.cpp qt_monitor_pages_test.cpp qt_assistant_page_test.cpp qt_other_downloads_test.cpp qt_pseudo_terminal.cpp)
 vkm_qt_test(qt_code_page_test SOURCES qt_code_page_test.cpp LIBS vkm_test_support)
 vkm_qt_test(qt_terminal_settings_test SOURCES qt_terminal_settings_test.cpp LIBS vkm_test_support)

@@ -180,6 +180,10 @@ class Robot(Process):
         SHOTS.mkdir(parents=True, exist_ok=True)
         self.do("shot", path=str((SHOTS / f"{name}.png").resolve()))
 
+    def shot_box(self, name):
+        """Pictures the next message box before it is answered."""
+        self.do("shot_box", path=str((SHOTS / f"{name}.png").resolve()))
+
     def model(self, name):
         """Chooses a model in the tree."""
         self.choose("TreeViewDevice", key=name)

@@ -98,6 +98,7 @@ void Box_Answers::answered(QWidget* box) {
 void Box_Answers::answer_box(QMessageBox& box) {
     QAbstractButton* button =
         button_for(box, box_answers_.isEmpty() ? QString() : box_answers_.takeFirst());
+    if (!picture_.isEmpty()) box.grab().save(std::exchange(picture_, {}), "PNG");
     QJsonArray buttons;
     for (QAbstractButton* each : box.buttons()) buttons.append(name_of(box, each));
     boxes_.append(QJsonObject{{"title", box.windowTitle()},

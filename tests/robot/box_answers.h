@@ -25,6 +25,7 @@ class Box_Answers : public QObject {
 
     void queue_box(const QString& answer);  // "ok", "yes" or "no", else a Refusal
     void queue_file(const QString& path);   // an empty path cancels
+    void picture_next_box(const QString& path) { picture_ = path; }
     QJsonArray boxes() const { return boxes_; }
 
   protected:
@@ -41,6 +42,7 @@ class Box_Answers : public QObject {
     QList<QPointer<QWidget>> unanswered_;
     QStringList box_answers_;
     QStringList file_answers_;
+    QString picture_;  // where the next box is pictured before it is answered, or empty
     QJsonArray boxes_;
 };
 

@@ -202,7 +202,8 @@ Robot::Command Robot::command_named(const QString& name) {
         {"idle", &Robot::idle},   {"box", &Robot::box},           {"boxes", &Robot::boxes},
         {"file", &Robot::file},   {"beeps", &Robot::beeps},       {"value", &Robot::value},
         {"bytes", &Robot::bytes}, {"settings", &Robot::settings}, {"size", &Robot::size},
-        {"shot", &Robot::shot},   {"close", &Robot::close},       {"quit", &Robot::quit},
+        {"shot", &Robot::shot},   {"shot_box", &Robot::shot_box}, {"close", &Robot::close},
+        {"quit", &Robot::quit},
     };
     if (!commands.contains(name)) throw Refusal{"unknown command " + name};
     return commands.value(name);
@@ -342,6 +343,13 @@ void Robot::shot(const QJsonObject& fields) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     QDir().mkpath(QFileInfo(path).absolutePath());
     if (!tool_.window.grab().save(path, "PNG")) throw Refusal{"can't write " + path};
+    answer();
+}
+
+void Robot::shot_box(const QJsonObject& fields) {
+    const QString path = text(fields, "path");
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    answers_.picture_next_box(path);
     answer();
 }
 

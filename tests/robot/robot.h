@@ -76,6 +76,7 @@ class Robot : public QObject {
     void settings(const QJsonObject& fields);
     void size(const QJsonObject& fields);
     void shot(const QJsonObject& fields);
+    void shot_box(const QJsonObject& fields);
     void close(const QJsonObject& fields);
     void quit(const QJsonObject& fields);
 

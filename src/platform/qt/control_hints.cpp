@@ -17,6 +17,12 @@ constexpr const char* number_length_hint = "编号占用的字节数 / Bytes of 
 constexpr const char* next_number_hint = "下一片的编号 (10进制); 0 不递增 / The next chip's number (decimal); 0 is not counted up";
 constexpr const char* increment_hint = "每片成功后加上的数 / Added after each good chip";
 
+// The same for the lists of a serial setting.
+constexpr const char* baud_hint = "波特率 / Baud";
+constexpr const char* parity_hint = "校验 / Parity";
+constexpr const char* data_bits_hint = "数据位 / Data bits";
+constexpr const char* stop_bits_hint = "停止位 / Stop bits";
+
 // The same for the three lists of bytes.
 constexpr const char* memory_hint = "高亮: 上次停止后改变的行; Ctrl+C 复制选中的行 / Highlighted: changed since the last stop. Ctrl+C copies the selected rows";
 
@@ -87,9 +93,9 @@ constexpr ControlHint hints[] = {
     {"comSpreadSendCom", -1, 0, "发送这一行 / Send this line"},
     {"com_Debug_COM", -1, 0, "串口调试助手的串口 / The port of the terminal"},
     {"com_Debug_Baud", -1, 0, "波特率; 选择后立即打开或关闭串口 / Baud; choosing a rate opens or closes the port"},
-    {"com_Debug_DataBits", -1, 0, "数据位 / Data bits"},
-    {"com_Debug_ParityCheck", -1, 0, "校验 / Parity"},
-    {"com_Debug_StopBits", -1, 0, "停止位 / Stop bits"},
+    {"com_Debug_DataBits", -1, 0, data_bits_hint},
+    {"com_Debug_ParityCheck", -1, 0, parity_hint},
+    {"com_Debug_StopBits", -1, 0, stop_bits_hint},
     {"comOpenCOM", -1, 0, "按左边的设置打开或关闭串口 / Opens the port with the settings on the left, or closes it"},
     {"che_AutoOpenPort", -1, 0, "下载结束后自动打开此串口, 观察用户程序 / Opens this port after each download, so that the program is seen at work"},
     {"imgOpen", -1, 0, "串口已打开, 点击关闭 / The port is open; click to close it"},
@@ -107,12 +113,33 @@ constexpr ControlHint hints[] = {
     {"txtUserCode", -1, 0, "下载前发给用户程序的十六进制字节 / Hexadecimal bytes for the running program, sent before the download"},
     {"comSendUserCode", -1, 0, "按以上串口设置发送, 然后下载 / Sends the code at these settings, then downloads"},
     {"cekReloadFileWhileFileChange1", -1, 0, "编译后自动重新打开, 发送命令并下载 / After each build: reads the file again, sends the code, downloads"},
-    {"txt_DEMO_UserCode", -1, 0, "十六进制字节 / Hexadecimal bytes"},
-    {"Read24C512", -1, '2', "读回脱机下载板的存储器 / Reads the memory of the offline board back"},
+    {"cobUserCodeBaud", -1, 0, baud_hint},
+    {"cobUserCodeParity", -1, 0, parity_hint},
+    {"cobUserCodeDataBits", -1, 0, data_bits_hint},
+    {"cobUserCodeStopBits", -1, 0, stop_bits_hint},
+    // The stand-alone board
+    {"txt_download_max", -1, 0, "脱机下载板最多下载的片数, 1 到 1000000 / How many chips the board may program, 1 to 1000000"},
+    {"comTJXZ", -1, 0, "将型号, 选项, 程序和编号装入脱机下载板; 提示后再上电 / Loads model, options, program and numbering into the board; switch it on when asked"},
+    {"com_TJXZ_help", -1, 0, "怎样使用脱机下载板 / How to use the board"},
+    {"Read24C512", -1, '2', "将缓冲区写入脱机下载板, 再读回全部 64K; 板内任务丢失! / Writes the buffer to the board and reads all 64 K back; the job in it is lost!"},
+    // The user's own ISP program
     {"com_Demo_DownLoad", -1, 'a', "用户 ISP 程序下载一片 / One chip over the user's own ISP program"},
     {"com_Demo_Re_DownLoad", -1, 'w', "用户 ISP 程序连续下载 / Chip after chip over the user's own ISP program"},
     {"com_Demo_Stop", -1, 't', "停止下载 / Stop"},
-    {"comb_WDT", -1, 0, "下载时用来喂外部看门狗的 I/O 口 / The pin that feeds an external watchdog during a download"},
+    {"Text1", -1, 0, "下载时键盘停在此处, 按键不会误触按钮 / The keyboard rests here during a download, so that no key presses a button"},
+    {"cob_DEMO_DownLoad_Baud", -1, 0, baud_hint},
+    {"cob_DEMO_DownLoad_Parity", -1, 0, parity_hint},
+    {"cob_DEMO_DownLoad_DataBits", -1, 0, data_bits_hint},
+    {"cob_DEMO_DownLoad_StopBits", -1, 0, stop_bits_hint},
+    {"opt_ISP_DEMO_WDT", -1, 0, "由用户 ISP 程序自己喂狗, 此选择不发送 / The user's ISP program feeds it by itself; this choice is not sent"},
+    {"comb_WDT", -1, 0, "由用户 ISP 程序自己喂狗, 此选择不发送 / The user's ISP program feeds it by itself; this choice is not sent"},
+    {"che_Demo_DownLoad", -1, 0, "先以下面的串口参数发送命令, 使用户程序跳到 ISP 程序 / First sends the code at the settings below, by which the program jumps to its ISP program"},
+    {"txt_DEMO_UserCode", -1, 0, "发给用户程序的十六进制字节 / Hexadecimal bytes for the running program"},
+    {"cob_DEMO_UserCode_Baud", -1, 0, baud_hint},
+    {"cob_DEMO_UserCode_Parity", -1, 0, parity_hint},
+    {"cob_DEMO_UserCode_DataBits", -1, 0, data_bits_hint},
+    {"cob_DEMO_UserCode_StopBits", -1, 0, stop_bits_hint},
+    // Numbering, the monitor, a file
     {"cheAuto_Increase", -1, 0, numbering_hint},
     {"texAuto_Increase", 0, 0, number_address_hint},
     {"texAuto_Increase", 1, 0, number_length_hint},

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/qt/disabled_colours.h"
 #include "platform/qt/fonts.h"
 #include "platform/qt/selection_colours.h"
 #include "platform/qt/text_mapping.h"
@@ -49,15 +50,7 @@ void Field::changeEvent(QEvent* event) {
 // Setting a palette is told as a change of it: the second time there is nothing to do.
 void Field::darken_locked_text() {
     constexpr double strength = 0.7;  // of the colour of free text, on the ground behind it
-    QPalette colours = palette();
-    const QColor text = colours.color(QPalette::Active, QPalette::Text);
-    const QColor ground = colours.color(QPalette::Disabled, QPalette::Base);
-    const auto mixed = [&](int of_text, int of_ground) {
-        return static_cast<int>(strength * of_text + (1 - strength) * of_ground);
-    };
-    colours.setColor(QPalette::Disabled, QPalette::Text,
-                     QColor(mixed(text.red(), ground.red()), mixed(text.green(), ground.green()),
-                            mixed(text.blue(), ground.blue())));
+    const QPalette colours = with_disabled_texts(palette(), strength);
     if (colours != palette()) setPalette(colours);
 }
 

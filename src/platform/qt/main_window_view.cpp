@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QSplitter>
 
+#include "platform/qt/disabled_colours.h"
 #include "platform/qt/drop_tree.h"
 #include "platform/qt/fitting_area.h"
 #include "platform/qt/form.h"
@@ -57,6 +58,9 @@ constexpr int pixels(std::int32_t twips) {
     return twips / twips_per_pixel;
 }
 
+// Of captions that can't be operated now, on the ground behind them.
+constexpr double disabled_strength = 0.5;
+
 // A place stored with a monitor that isn't there any more is none.
 bool is_on_a_screen(const QRect& window) {
     for (const QScreen* screen : QGuiApplication::screens())
@@ -78,6 +82,7 @@ MainWindowView::MainWindowView(frmMain& frm, OperatorQueue& queue, const QtSeria
     setWindowTitle(QStringLiteral("VKM ISP"));
     setWindowIcon(program_icon());
     setAcceptDrops(true);
+    darken_disabled_captions();
     lay_out();
 }
 
@@ -102,6 +107,17 @@ void MainWindowView::lay_out() {
     for (Control* list : {&screen.combCommPort, &screen.com_Debug_COM})
         show_devices_behind(*static_cast<QComboBox*>(view_(*list)), ports_);
     new DropTree(view_, screen, queue_, ground);
+}
+
+// Setting a palette is told as a change of it: the second time there is nothing to do.
+void MainWindowView::darken_disabled_captions() {
+    const QPalette colours = with_disabled_texts(palette(), disabled_strength);
+    if (colours != palette()) setPalette(colours);
+}
+
+void MainWindowView::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) darken_disabled_captions();
 }
 
 void MainWindowView::draw() {

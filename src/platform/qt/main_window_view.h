@@ -30,6 +30,7 @@ class MainWindowView final : public QMainWindow {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -37,6 +38,7 @@ class MainWindowView final : public QMainWindow {
 
   private:
     void lay_out();
+    void darken_disabled_captions();
     void draw_port_lists();
     void draw_window();
     void show_right(bool shown);

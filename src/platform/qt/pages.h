@@ -14,6 +14,12 @@ namespace vkm {
 QWidget* make_view_strip(ScreenView& view, Screen& screen, OperatorQueue& queue, LockMark* lock);
 QWidget* make_tool_strip(ScreenView& view, Screen& screen);
 
+// The pages of the downloads beside that of step 5: into the stand-alone board, over a
+// user's own ISP program, and of the debug monitor.
+QWidget* make_board_page(ScreenView& view, Screen& screen);
+QWidget* make_demo_page(ScreenView& view, Screen& screen);
+QWidget* make_softice_page(ScreenView& view, Screen& screen);
+
 // The pages of a stopped target: its registers and RAM, and its XRAM.
 QWidget* make_register_page(ScreenView& view, Screen& screen);
 QWidget* make_memory_page(ScreenView& view, Screen& screen);

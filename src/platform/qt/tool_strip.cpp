@@ -1,36 +1,16 @@
-#include <QCheckBox>
-#include <QComboBox>
-#include <QPushButton>
-
 #include "platform/qt/fields.h"
 #include "platform/qt/fonts.h"
 #include "platform/qt/form.h"
 #include "platform/qt/pages.h"
+#include "platform/qt/tool_pieces.h"
 
 namespace vkm {
 namespace {
 
 constexpr int address_columns = 6;
 constexpr int number_columns = 10;
-constexpr int longest_field = 64;  // characters shown of a text of any length
 constexpr int help_rows = 8;
 constexpr int help_columns = 40;
-
-// A page of a tool: its tab shows the caption, so the frame has no title.
-QWidget* page_of(ScreenView& view, Control& frame) {
-    return view.use(frame, new QWidget);
-}
-
-// A text of any length, in a field that doesn't run across the whole screen.
-QWidget* long_field(ScreenView& view, Control& control) {
-    Field* field = view.field(control, 0);
-    field->setMaximumWidth(longest_field * field->fontMetrics().horizontalAdvance(u'0'));
-    return field;
-}
-
-QWidget* pin_choice(ScreenView& view, std::array<Control, 2>& options, Control& pin) {
-    return flow_widget({view(options[0]), view(options[1]), view(pin)});
-}
 
 // A part of a page, hidden as a whole.
 QWidget* strip_of(ScreenView& view, Control& frame, QFormLayout* fields) {
@@ -41,7 +21,7 @@ QWidget* strip_of(ScreenView& view, Control& frame, QFormLayout* fields) {
 }
 
 QWidget* make_options_page(ScreenView& view, Screen& s) {
-    QWidget* page = page_of(view, s.Frame12);
+    QWidget* page = tool_page(view, s.Frame12);
     auto* pin = view.use(s.Lab_485_pin, new ColumnLabel);
     auto* logic = view.use(s.Lab_485_logic, new ColumnLabel);
     auto* external = new ColumnLabel;
@@ -60,17 +40,11 @@ QWidget* make_options_page(ScreenView& view, Screen& s) {
     return page;
 }
 
-// The four lists of a serial setting on one line.
-QWidget* serial_setting(ScreenView& view, Control& baud, Control& parity, Control& data_bits,
-                        Control& stop_bits) {
-    return flow_widget({view(baud), view(parity), view(data_bits), view(stop_bits)});
-}
-
 constexpr const char* setting_caption = "波特率, 校验, 数据位, 停止位 / Baud, parity, bits, stop:";
 constexpr const char* user_code_caption = "自定义命令 / User code (HEX):";
 
 QWidget* make_user_code_page(ScreenView& view, Screen& s) {
-    QWidget* page = page_of(view, s.Frame8);
+    QWidget* page = tool_page(view, s.Frame8);
     auto* fields = form();
     fields->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     fields->addRow(caption(user_code_caption), long_field(view, s.txtUserCode));
@@ -85,22 +59,9 @@ QWidget* make_user_code_page(ScreenView& view, Screen& s) {
     return page;
 }
 
-QWidget* make_board_page(ScreenView& view, Screen& s) {
-    QWidget* page = page_of(view, s.Frame18);
-    auto* fields = form();
-    fields->addRow(caption("下载数限量 / Limit of chips:"),
-                   view.field(s.txt_download_max, number_columns));
-    auto* lines = column(page);
-    lines->addLayout(fields);
-    lines->addWidget(flow_widget({view(s.comTJXZ), view(s.com_TJXZ_help)}));
-    lines->addWidget(flow_widget({view(s.Read24C512)}));
-    lines->addStretch();
-    return page;
-}
-
 // The lines are columns of text as they come, one below the other.
 QWidget* make_read_page(ScreenView& view, Screen& s) {
-    QWidget* page = page_of(view, s.Frame4);
+    QWidget* page = tool_page(view, s.Frame4);
     auto* lines = column(page);
     lines->addWidget(flow_widget({view(s.comReadChipLock)}));
     for (Control& label : s.LabLock) {
@@ -143,30 +104,8 @@ QWidget* make_number_page(ScreenView& view, Screen& s) {
     return page;
 }
 
-QWidget* make_demo_page(ScreenView& view, Screen& s) {
-    QWidget* page = page_of(view, s.Frame11);
-    auto* fields = form();
-    fields->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
-    fields->addRow(caption("下载 / Download:"),
-                   serial_setting(view, s.cob_DEMO_DownLoad_Baud, s.cob_DEMO_DownLoad_Parity,
-                                  s.cob_DEMO_DownLoad_DataBits, s.cob_DEMO_DownLoad_StopBits));
-    fields->addRow(view(s.che_Demo_DownLoad));
-    fields->addRow(caption("命令 / Code (HEX):"), long_field(view, s.txt_DEMO_UserCode));
-    fields->addRow(caption("命令 / Code:"),
-                   serial_setting(view, s.cob_DEMO_UserCode_Baud, s.cob_DEMO_UserCode_Parity,
-                                  s.cob_DEMO_UserCode_DataBits, s.cob_DEMO_UserCode_StopBits));
-    fields->addRow(caption("外部看门狗 / Watchdog:"),
-                   pin_choice(view, s.opt_ISP_DEMO_WDT, s.comb_WDT));
-    auto* lines = column(page);
-    lines->addWidget(flow_widget({view(s.com_Demo_DownLoad), view(s.com_Demo_Re_DownLoad),
-                                  view(s.com_Demo_Stop), view.field(s.Text1, 4)}));
-    lines->addLayout(fields);
-    lines->addStretch();
-    return page;
-}
-
 QWidget* make_save_page(ScreenView& view, Screen& s) {
-    QWidget* page = page_of(view, s.Frame9);
+    QWidget* page = tool_page(view, s.Frame9);
     auto* fields = form();
     fields->addRow(caption("起始地址 / Start address (HEX):"),
                    view.field(s.txt_Start_Address, address_columns));
@@ -179,19 +118,8 @@ QWidget* make_save_page(ScreenView& view, Screen& s) {
 }
 
 QWidget* make_help_page(ScreenView& view, Screen& s) {
-    QWidget* page = page_of(view, s.fraAboutHardWare);
+    QWidget* page = tool_page(view, s.fraAboutHardWare);
     column(page)->addWidget(view.text_view(s.texHardWareHelp, help_rows, help_columns));
-    return page;
-}
-
-QWidget* make_softice_page(ScreenView& view, Screen& s) {
-    QWidget* page = page_of(view, s.Frame10);
-    auto* lines = column(page);
-    lines->addWidget(flow_widget({view(s.comDownSoft_ICE)}));
-    lines->addWidget(
-        remark("仿真监控程序取代下载引导码, 之后不能再用 ISP 下载。\n"
-               "The monitor replaces the boot firmware: no further download by ISP."));
-    lines->addStretch();
     return page;
 }
 
