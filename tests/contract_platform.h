@@ -296,8 +296,10 @@ TYPED_TEST_P(LineContract, AChangeOfRateComesAfterTheBytesThatWereWritten) {
 TYPED_TEST_P(LineContract, ClearingTheOutputLeavesNothingUnsent) {
     this->open("1200,n,8,1");
     this->port.write(typename TestFixture::Bytes(200, 0x7F));
+    EXPECT_LE(this->port.held_output(), this->port.output_count());
     this->port.clear_output();
     EXPECT_EQ(this->port.output_count(), 0u);
+    EXPECT_EQ(this->port.held_output(), 0u);
     const Instant before = this->loop.now();
     this->port.close();
     EXPECT_LT(this->loop.now() - before, Milliseconds(1000)) << "it waits for what was dropped";

@@ -93,6 +93,20 @@ TEST_F(QtPortTest, BytesCountAsUnsentForTheirTimeOnTheWire) {
     EXPECT_EQ(port.output_count(), 0u);
 }
 
+// A pseudo-terminal has all of it at once: the system holds nothing that a clearing
+// could cut off.
+TEST_F(QtPortTest, WhatTheDeviceHasIsNotDropped) {
+    open("1200,n,8,1");
+    const Bytes frame(142, 0x5A);
+    port.write(frame);
+    EXPECT_EQ(port.held_output(), 0u);
+    port.clear_output();
+    EXPECT_EQ(port.output_count(), 0u);
+    EXPECT_EQ(terminal.heard(), frame);
+    port.close();
+    EXPECT_EQ(port.held_output(), 0u);
+}
+
 // Whatever sits at its other end may answer as soon as the bytes are written.
 TEST_F(QtPortTest, APseudoTerminalHasNoWire) {
     EXPECT_FALSE(port.has_wire());
