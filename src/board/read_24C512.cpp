@@ -117,9 +117,12 @@ void end_reading(frmMain& frm, bool whole) {
 }
 
 void read_storage(frmMain& frm) {
-    if (!open_board_port(frm, board_text::read_open_failed)) return;
-    take_over_image(frm);
     job_runs(frm);
+    if (!open_board_port(frm, board_text::read_open_failed)) {
+        job_failed(frm, session_text::step_read_board);
+        return;
+    }
+    take_over_image(frm);
     set_up_bar(frm, {.Min = 0, .Max = pages});
     Show_Progress(frm, Progress::down_load);
     append_message(frm.screen, board_text::reading);
