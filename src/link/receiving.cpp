@@ -15,6 +15,15 @@ bool answers_older_request(const frmMain& frm) {
     return gone && port.has_wire() && (port.output_count() > 0 || frm.platform.loop.now() < *gone);
 }
 
+// What comes while a request still leaves the wire answers the one before.
+void take_demo_reply(frmMain& frm, const std::vector<std::uint8_t>& bytes) {
+    const SerialPort& port = frm.platform.port;
+    const Gathered gathered = gather_demo_reply(frm.link, bytes);
+    if (gathered == Gathered::bad_mark) reset_receive(frm);
+    if (gathered == Gathered::frame && port.has_wire() && port.output_count() > 0)
+        forget_demo_reply(frm.link);
+}
+
 }  // namespace
 
 int copy_receive(frmMain& frm) {
@@ -29,7 +38,7 @@ void on_port_event(frmMain& frm) {
     if (bytes.empty()) return;
     LinkState& link = frm.link;
     if (link.demo_mode) {
-        if (gather_demo_reply(link, bytes) == Gathered::bad_mark) reset_receive(frm);
+        take_demo_reply(frm, bytes);
     } else if (link.debug_mode) {
         run_plug(frm, link.Assistant_Bytes, bytes);
     } else if (gather_reply(link, bytes) == Gathered::frame) {

@@ -37,8 +37,7 @@ std::span<const std::uint8_t> first(const LinkState& link, int count) {
 }
 
 void forget(LinkState& link) {
-    forget_reply(link);
-    link.demo_frame_ok = false;
+    forget_demo_reply(link);
     link.seen_46 = false;
     link.seen_B9 = false;
 }
@@ -145,6 +144,11 @@ void take_demo_bytes(LinkState& link, std::span<const std::uint8_t>& bytes) {
 void forget_reply(LinkState& link) {
     link.rx_count = 0;
     link.frame_ok = false;
+}
+
+void forget_demo_reply(LinkState& link) {
+    forget_reply(link);
+    link.demo_frame_ok = false;
 }
 
 Gathered gather_reply(LinkState& link, std::span<const std::uint8_t> bytes) {

@@ -15,6 +15,7 @@ namespace vkm {
 
 // What has been gathered so far is no reply.
 void forget_reply(LinkState& link);
+void forget_demo_reply(LinkState& link);  // in demo_mode
 
 enum class Gathered {
     incomplete,  // more bytes are needed

@@ -61,21 +61,18 @@ bool demo_block_acknowledged(const LinkState& link, std::uint16_t data_sum) {
     return link.rx_copy[5] * 256 + link.rx_copy[6] == data_sum;
 }
 
-// This class clears behind the write, and twice: whatever the program answered to the
-// frame before is not taken for the answer to this one. The clearing waits until the
-// device has the frame, which it would cut off otherwise, and no longer: the answer may
-// be on its way.
+// What comes while the frame leaves the wire answers the one before; the receive handler
+// passes it over (receiving.cpp). A clearing behind the write would take the answer of a
+// quick target along, or any answer where the machine wakes late. The time for the answer
+// begins when the device has the frame.
 bool send_demo_block(frmMain& frm, const DataFrame& frame) {
     LinkState& link = frm.link;
     if (link.stop_requested) return false;
     reset_receive(frm);
-    write_frame(frm, frame.bytes);
-    wait_until_handed_over(frm, frame.bytes.size());
-    if (link.stop_requested) return false;
-    reset_receive(frm);
     link.demo_frame_ok = false;
     link.demo_stop_requested = false;
-    reset_receive(frm);
+    write_frame(frm, frame.bytes);
+    wait_until_handed_over(frm, frame.bytes.size());
     arm_reply_timer(frm);
     if (!wait_for_demo_frame(frm)) return false;
     link.frame_ok = true;

@@ -5,6 +5,7 @@
 #include "catalogue/older_codes.h"
 #include "increase/number_sequence.h"
 #include "link/isp_link.h"
+#include "link/reply_gathering.h"
 #include "options/option_display.h"
 #include "session/download_session.h"
 #include "session/job_steps.h"
@@ -31,6 +32,8 @@ enum Command : std::uint8_t {
 };
 
 constexpr int further_polls = 3;
+constexpr std::size_t poll_bytes = 8 + 8;  // and the answer
+constexpr std::int32_t poll_chip_ms = 10;
 constexpr int version_tries = 3;
 constexpr std::int32_t version_ms = 2000;
 constexpr int erase_tries = 3;
@@ -44,18 +47,23 @@ constexpr std::size_t code_low = 7;
 constexpr std::size_t chip_byte = 8;
 constexpr int shortest_version_reply = 12;  // these, the sum and the end mark
 
-// A slow line carries the answer that much longer.
+// A slow line carries the answer that much longer; the slowest need more time for the
+// bytes alone.
 std::int32_t poll_ms(const frmMain& frm) {
     const std::int32_t baud = leading_integer(frm.platform.port.settings());
-    if (baud < 2400) return 200;
-    return baud < 4800 ? 100 : 50;
+    const std::int32_t usual = baud < 2400 ? 200 : baud < 4800 ? 100 : 50;
+    return answer_time(frm, usual, poll_bytes, poll_chip_ms);
 }
 
-// One try of a command; true when it was answered.
+// One try of a command; true when it was answered. The one before isn't cut off by it.
 bool ask(frmMain& frm, Command command, std::int32_t timeout_ms) {
+    wait_until_sent(frm, frm.platform.port.output_count());
     reset_receive(frm);
     frm.link.demo_frame_ok = false;
     send_demo_command(frm, command);
+    // What came in the pause before the command answers an older one. To a poll that is
+    // as good an answer.
+    if (command != connect_command) forget_demo_reply(frm.link);
     restart_timer(frm, frm.timers.Timer7, timeout_ms);
     return wait_for_demo_frame(frm);
 }
@@ -100,8 +108,10 @@ bool Demo_Connect(frmMain& frm) {
 
 bool read_version_reply(frmMain& frm) {
     for (int attempt = 0; attempt < version_tries && !demo_stopped(frm.link); ++attempt)
-        if (ask(frm, read_version, version_ms) && copy_receive(frm) >= shortest_version_reply)
+        if (ask(frm, read_version, version_ms) && frm.link.rx_expected >= shortest_version_reply) {
+            copy_receive(frm);
             return true;
+        }
     return false;
 }
 
