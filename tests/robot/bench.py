@@ -176,9 +176,10 @@ class Robot(Process):
     def settings(self):
         return self.do("settings").get("Settings", {})
 
-    def shot(self, name):
-        SHOTS.mkdir(parents=True, exist_ok=True)
-        self.do("shot", path=str((SHOTS / f"{name}.png").resolve()))
+    def shot(self, name, around=None):
+        """Pictures the window, or what the control that is named stands on."""
+        where = {"around": around} if around else {}
+        self.do("shot", path=str((SHOTS / f"{name}.png").resolve()), **where)
 
     def shot_box(self, name):
         """Pictures the next message box before it is answered."""

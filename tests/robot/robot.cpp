@@ -342,7 +342,12 @@ void Robot::shot(const QJsonObject& fields) {
     // Pages that were just shown have asked to be laid out: a person sees them so.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     QDir().mkpath(QFileInfo(path).absolutePath());
-    if (!tool_.window.grab().save(path, "PNG")) throw Refusal{"can't write " + path};
+    // The whole window, or what a control stands on.
+    QWidget* shown = fields.contains("around")
+                         ? find_drawn(tool_.window, tool_.frm.screen, text(fields, "around"))
+                               .widget->parentWidget()
+                         : &tool_.window;
+    if (!shown->grab().save(path, "PNG")) throw Refusal{"can't write " + path};
     answer();
 }
 
