@@ -213,6 +213,15 @@ TEST(DemoDownload, NeedsAFile) {
     }
 }
 
+TEST(DemoDownload, DoesNotBeginInAWindowThatCloses) {
+    DemoBench bench;
+    QueryUnload(bench.frm);
+    bench.run();
+    EXPECT_EQ(bench.port.opens, 0);
+    EXPECT_FALSE(bench.frm.session.Running);
+    EXPECT_EQ(bench.frm.session.UI_State, 0);
+}
+
 TEST(DemoDownload, UsesTheChosenPort) {
     DemoBench bench;
     bench.port.plug(3);
@@ -495,6 +504,9 @@ TEST(DemoConnect, ReachesATargetThatTakesItsTime) {
         bench.click_demo_stop_in(30'000);
         bench.run();
         expect_demo_good(bench);
+        // It hears nothing while it is at work, and no frame that is cut off.
+        for (const std::string& fault : bench.target.faults())
+            EXPECT_TRUE(ends_with(fault, "while it was at work")) << fault;
     }
 }
 
@@ -569,6 +581,31 @@ TEST(DemoErase, IsTriedThreeTimes5SecondsEach) {
             EXPECT_EQ(bench.target.counters().blocks, 0);
         }
     }
+}
+
+// Does it as soon as the condition holds.
+void once(DemoBench& bench, const std::function<bool()>& condition,
+          const std::function<void()>& act) {
+    if (condition())
+        act();
+    else
+        bench.at(1, [&bench, condition, act] { once(bench, condition, act); });
+}
+
+// The version's answer comes once more, in the pause before the erase is written.
+TEST(DemoErase, IsNotAnsweredByWhatCameBeforeItWasWritten) {
+    DemoBench bench(isp_target({"lose_reply@erase*0"}));
+    once(
+        bench, [&] { return bench.log_has("We are erasing"); },
+        [&] {
+            EXPECT_EQ(bench.written(0xB2), 0);
+            const Bytes late =
+                ended_with_sum({0x5A, 0xA5, 0x00, 0x0C, 0x80, 0x10, 0x40, 0x05, 0x5C});
+            bench.line.input.insert(bench.line.input.end(), late.begin(), late.end());
+        });
+    bench.run();
+    expect_demo_failed(bench, "Erase / 擦除", "Erase application is failed.");
+    EXPECT_EQ(bench.written(0xB2), 3);
 }
 
 TEST(DemoErase, MayTakeItsTime) {
@@ -1077,6 +1114,17 @@ TEST(DemoNumber, StaysForAChipThatIsNotGood) {
         EXPECT_EQ(bench.settings.on_disk.at({"Auto_Increase", "next_value"}), "000098");
         EXPECT_EQ(bench.frm.images.AP_Buffer.Bytes[0x1FF], 0x98);
     }
+}
+
+TEST(DemoNumber, StaysForAJobThatIsStoppedAtItsEnd) {
+    NumberedDemoBench bench;
+    bench.tick();
+    once(
+        bench, [&] { return bench.written(0xB1) == 1; }, [&] { com_Demo_Stop(bench.frm); });
+    bench.run();
+    EXPECT_EQ(bench.written(0xB1), 1);
+    EXPECT_EQ(bench.frm.screen.texAuto_Increase[2].Text, "000098");
+    EXPECT_TRUE(ends_with(bench.log(), "\r\nOperation is stop. / 操作被停止."));
 }
 
 TEST(DemoNumber, StaysWhereTheBoxIsNotTicked) {
