@@ -356,6 +356,36 @@ TEST(BoardNumbering, WhatTheBoardHasNoByteForIsRefused) {
     }
 }
 
+// A number that was touched since goes into the image first, as in any job.
+TEST(BoardNumbering, ATouchedNumberIsPatchedFirst) {
+    Numbering bench("0100");
+    bench.s.texAuto_Increase[2].Text = "77";
+    handle_event(bench.frm, {&bench.s.texAuto_Increase[2], EventKind::Change, 0, {}});
+    bench.load_board();
+    EXPECT_EQ(bench.frm.session.Result, Job_Result::done) << bench.tale();
+    EXPECT_FALSE(bench.frm.images.AP_Buffer.Bytes == bench.loaded);
+    bench.loaded = bench.frm.images.AP_Buffer.Bytes;
+    expect_flow_over(bench);
+    EXPECT_TRUE(bench.stored(0x4000, 0xF7FF));
+    EXPECT_TRUE(std::equal(bench.loaded.begin(), bench.loaded.begin() + file_size,
+                           bench.board.storage().begin() + 0x4000));
+}
+
+TEST(BoardNumbering, AWindowThatIsClosedBehindItsBoxOpensNoPort) {
+    Numbering bench("0100");
+    bench.s.texAuto_Increase[0].Text = "FFFF";
+    handle_event(bench.frm, {&bench.s.texAuto_Increase[0], EventKind::Change, 0, {}});
+    bench.dialogs.stays = std::chrono::seconds(1);
+    bench.at(500, [&] {
+        EXPECT_EQ(bench.dialogs.open_boxes, 1);
+        QueryUnload(bench.frm);
+    });
+    bench.load_board();
+    EXPECT_FALSE(bench.boxes().empty());
+    EXPECT_EQ(bench.port.opens, 0);
+    EXPECT_FALSE(bench.frm.session.Running);
+}
+
 // The copy that a job keeps of the image never comes back in a later one.
 TEST(BoardNumbering, AnotherProgramStaysWhenItsFlowFails) {
     Numbering bench;
@@ -623,6 +653,33 @@ TEST(BoardRead, APortThatIsGoneBehindTheWritingIsToldAndLeavesTheImage) {
     EXPECT_EQ(bench.frm.session.Result, Job_Result::failed) << bench.tale();
     EXPECT_EQ(bench.frm.session.Failed_Step, "Read 24C512 / 读 24C512");
     expect_flow_over(bench);
+}
+
+TEST(BoardRead, HalfOfTheStorageIsNoProgram) {
+    BoardBench bench(board_with({"lose_frame@read:300*3"}));
+    bench.load(file_size);
+    bench.read_board();
+    EXPECT_EQ(bench.frm.session.Result, Job_Result::failed) << bench.tale();
+    EXPECT_FALSE(bench.frm.images.File_Loaded);
+    expect_read_over(bench);
+}
+
+TEST(BoardRead, NoNumberIsCountedUpInWhatWasRead) {
+    Numbering bench;
+    bench.read_board();
+    EXPECT_EQ(bench.frm.session.Result, Job_Result::done) << bench.tale();
+    EXPECT_EQ(bench.s.cheAuto_Increase.Value, 0);
+    EXPECT_FALSE(bench.frm.increase.Auto_Increase.Active);
+    expect_read_over(bench);
+}
+
+TEST(BoardRead, AWindowThatIsClosedBehindTheBoxOpensNoPort) {
+    BoardBench bench;
+    bench.dialogs.stays = std::chrono::seconds(1);
+    bench.at(300, [&] { QueryUnload(bench.frm); });
+    bench.read_board();
+    EXPECT_EQ(bench.boxes().size(), 1U);
+    EXPECT_EQ(bench.port.opens, 0);
 }
 
 TEST(BoardRead, ClosingTheWindowEndsIt) {

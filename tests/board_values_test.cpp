@@ -288,7 +288,10 @@ TEST(BoardParameters, OfKnownModels) {
     EXPECT_EQ(job.field(0x9E, 2), 0x40U);
     EXPECT_EQ(job.field(0xCA), 0x10FFU);
     EXPECT_EQ(job.field(0xCD), 0x7FFFU);
-    EXPECT_EQ(job_of("VKM47H52RB").field(0x4F), 0x7BFFU);
+    LaidOut small = job_of("VKM47H52RB");
+    EXPECT_EQ(small.field(0x4F), 0x7BFFU);
+    small.model.MCU_ID = "F0A1";
+    EXPECT_EQ(small.field(0x4F), 0x7BFFU);
     EXPECT_EQ(job_of("VKM47W58AD").field(0x20, 2), 0x5858U);
 }
 
