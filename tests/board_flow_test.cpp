@@ -200,8 +200,7 @@ TEST(BoardFlow, ABoxShowsTheHelp) {
     EXPECT_NE(bench.boxes()[0].text.find("1000000"), std::string::npos);
 }
 
-// ---- laying the job out
-// -----------------------------------------------------------------------------
+// ---- laying the job out ----------------------------------------------------------------
 
 std::string cut_box(int kb) {
     return "此脱机下载板版本或该型号的 MCU 最多下载" + std::to_string(kb) +
@@ -412,8 +411,7 @@ TEST(BoardNumbering, TheImageComesBackAsTheJobFoundIt) {
     expect_flow_over(bench);
 }
 
-// ---- Stop, and the closing of the window
-// ------------------------------------------------------------
+// ---- Stop, and the closing of the window ------------------------------
 
 double whole_job_ms() {
     BoardBench bench({.powered_at = sim::never, .powered_after_wakes = 50});
@@ -493,8 +491,7 @@ TEST(BoardStop, ClosingTheWindowEndsTheJob) {
     }
 }
 
-// ---- reading the storage back
-// ------------------------------------------------------------------------
+// ---- reading the storage back ----------------------------------------------------------------
 
 // The whole storage as the raw job leaves it.
 Bytes raw_storage(const BoardBench& bench) {
@@ -694,8 +691,7 @@ TEST(BoardRead, ClosingTheWindowEndsIt) {
     }
 }
 
-// ---- the chips behind it
-// ------------------------------------------------------------------------------
+// ---- the chips behind it ----------------------------------------------------------------
 
 // The chip that the board programs from what it was given, and one that is downloaded
 // into directly, both blank before.

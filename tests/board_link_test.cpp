@@ -106,8 +106,29 @@ TEST(BoardWake, SpoiltAnswersAreForgotten) {
     }
 }
 
-// ---- the checks
-// ----------------------------------------------------------------------------------
+// Noise with the start byte of an answer in it costs no try.
+TEST(BoardWake, NoiseBeforeTheHeaderIsPassedOver) {
+    const LinkRun run({"noise@wake:1=680020"});
+    expect_loaded(run);
+    EXPECT_EQ(wakes_of(run).size(), 1U) << run.tale();
+}
+
+// What a job that failed was still owed is not waited for in the next one.
+TEST(BoardWake, BeginsAnewBehindAJobThatFailed) {
+    BoardBench bench;
+    bench.load(file_size);
+    bench.load_board();
+    const double whole = bench.job_took;
+    bench.board.add_fault(board_faults({"lose_frame@capacity:1*0"})[0]);
+    bench.load_board();
+    EXPECT_EQ(bench.frm.session.Result, Job_Result::failed) << bench.tale();
+    bench.board.forget_faults();
+    bench.load_board();
+    EXPECT_EQ(bench.frm.session.Result, Job_Result::done) << bench.tale();
+    EXPECT_NEAR(bench.job_took, whole, 5);
+}
+
+// ---- the checks ------------------------------------------------------------------------
 
 TEST(BoardChecks, AreElevenBehindTheWaking) {
     const LinkRun run({});
@@ -286,8 +307,7 @@ TEST(BoardSector, AnotherCodeIsNoAcknowledgement) {
     EXPECT_EQ(run.board.counters().retried_sectors, 1);
 }
 
-// ---- whatever a line does
-// -------------------------------------------------------------------------
+// ---- whatever a line does ----------------------------------------------------------------
 
 bool log_tells_failure(const std::string& log) {
     return ends_with(log, board_not_connected) || ends_with(log, board_not_loaded) ||

@@ -120,8 +120,7 @@ TEST(BoardNumberTable, StandsInTheBlockWithTheLimitAndTheAreasOfFF) {
     EXPECT_TRUE(storage == expected);
 }
 
-// ---- the parameter block
-// --------------------------------------------------------------------------
+// ---- the parameter block ----------------------------------------------------------------
 
 MCU_Record record_of(const ModelGroup& group, const ModelRow& row) {
     MCU_Record record;
