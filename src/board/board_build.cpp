@@ -7,6 +7,7 @@
 #include "board/board_image.h"
 #include "board/board_texts.h"
 #include "catalogue/mcu_catalogue.h"
+#include "increase/number_bytes.h"
 #include "options/mcu_options.h"
 #include "session/download_session.h"
 #include "session/progress.h"
@@ -24,10 +25,6 @@ constexpr std::int32_t greatest_increment = 0xFF;
 constexpr std::int32_t bytes_per_kilobyte = 1024;
 
 enum Field { address_field, length_field, next_field, increase_field };
-
-std::int32_t chips_wanted(const frmMain& frm) {
-    return leading_integer(frm.screen.txt_download_max.Text);
-}
 
 bool refuse(frmMain& frm, std::string_view why) {
     frm.platform.dialogs.show_text(why);
@@ -47,16 +44,11 @@ Board_Number number_on_screen(const frmMain& frm) {
         .numeral = chosen == screen.optAuto_Increase.end() ? -1 : chosen->Index};
 }
 
-// The last number that the board would write must be one that can be written, and the
-// board must have room for how it counts.
-bool numbers_fit(frmMain& frm, const Board_Number& number) {
+bool last_number_fits(frmMain& frm, const Board_Number& number) {
     if (!number.enabled) return true;
     const double next = leading_number(frm.screen.texAuto_Increase[next_field].Text);
-    const double last = next + static_cast<double>(number.increment) * chips_wanted(frm);
-    if (last >= first_number_out_of_reach) return refuse(frm, board_text::numbers_too_great);
-    const bool fits = number.length >= 1 && number.length <= longest_number &&
-                      number.increment >= 0 && number.increment <= greatest_increment;
-    return fits || refuse(frm, board_text::number_too_wide);
+    const double last = next + static_cast<double>(number.increment) * frm.board.Chip_Limit;
+    return last < first_number_out_of_reach || refuse(frm, board_text::numbers_too_great);
 }
 
 // The record of the older code; nothing when the model has none or no row has that code.
@@ -81,16 +73,30 @@ void tell_cut(frmMain& frm) {
 bool Board_Check_Limit(frmMain& frm) {
     const double wanted = leading_number(frm.screen.txt_download_max.Text);
     if (wanted > most_chips) return refuse(frm, board_text::limit_too_great);
-    if (chips_wanted(frm) <= 0) return refuse(frm, board_text::limit_too_small);
-    lay_out_limit(frm.board.Board_Image, chips_wanted(frm));
+    const std::int32_t chips = leading_integer(frm.screen.txt_download_max.Text);
+    if (chips <= 0) return refuse(frm, board_text::limit_too_small);
+    frm.board.Chip_Limit = chips;
+    lay_out_limit(frm.board.Board_Image, chips);
     return true;
+}
+
+bool Board_Check_Number(frmMain& frm) {
+    const Board_Number number = number_on_screen(frm);
+    if (!number.enabled) return true;
+    const Auto_Increase_Set& set = frm.increase.Auto_Increase;
+    if (!set.Active) return false;
+    const std::string_view problem = number_bytes(set).problem;
+    if (!problem.empty()) return refuse(frm, problem);
+    const bool fits = number.length >= 1 && number.length <= longest_number &&
+                      number.increment >= 0 && number.increment <= greatest_increment;
+    return fits || refuse(frm, board_text::number_too_wide);
 }
 
 bool Board_Make_Table(frmMain& frm) {
     const Board_Number number = number_on_screen(frm);
-    lay_out_tables(frm.board.Board_Image, number, chips_wanted(frm));
+    lay_out_tables(frm.board.Board_Image, number, frm.board.Chip_Limit);
     frm.board.Saved_AP_Image = frm.images.AP_Buffer.Bytes;
-    return numbers_fit(frm, number);
+    return last_number_fits(frm, number);
 }
 
 std::int32_t Board_Code_Limit(const frmMain& frm) {

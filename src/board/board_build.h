@@ -8,13 +8,17 @@
 
 namespace vkm {
 
-// Takes the number of chips from txt_download_max, clears the layout and writes the limit.
-// False for a number that no board takes; the operator has been told then.
+// Takes the number of chips from txt_download_max (Chip_Limit), clears the layout and writes
+// the limit. False for a number that no board takes; the operator has been told then.
 bool Board_Check_Limit(frmMain& frm);
 
+// False when numbering is on with a number that can't be written into an image, or that
+// the board has no room to count: nobody looks at the chips that it would go into. The
+// operator has been told then.
+bool Board_Check_Number(frmMain& frm);
+
 // The numbering table, the limit and the areas of FF; keeps AP_Buffer in Saved_AP_Image.
-// False when the numbers would run past what the board can count; the operator has been
-// told then.
+// False when the last chip's number would be too great; the operator has been told then.
 bool Board_Make_Table(frmMain& frm);
 
 // The parameter block. Tells the operator when the board can't take the whole program.

@@ -1,6 +1,7 @@
 #include "board/board_download.h"
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -29,12 +30,27 @@ constexpr std::int32_t block_wait_ms = 600;
 constexpr std::int32_t gap_wait_ms = 200;
 constexpr std::int32_t bytes_per_kilobyte = 1024;
 
-constexpr Board_Command ask_capacity = {.command = 0x0E, .timeout_ms = 300, .tries = 4};
-constexpr Board_Command ask_version = {.command = 0x0C, .timeout_ms = 300, .tries = 4};
+constexpr std::uint8_t link_check = 0x80;
+constexpr std::uint8_t version_command = 0x0C;
+
+// The code of this answer isn't told. One that names another command is a late one to that,
+// and one that ends before the capacity tells none.
+bool tells_capacity(const LinkState& link) {
+    return reply_length(link) >= 9 && link.rx_copy[3] != link_check &&
+           link.rx_copy[3] != version_command;
+}
+bool tells_version(const LinkState& link) {
+    return reply_length(link) >= 8 && link.rx_copy[3] == version_command;
+}
+
+constexpr Board_Command ask_capacity = {
+    .command = 0x0E, .timeout_ms = 300, .tries = 4, .is_answer = tells_capacity};
+constexpr Board_Command ask_version = {
+    .command = version_command, .timeout_ms = 300, .tries = 4, .is_answer = tells_version};
 constexpr Board_Command erase_all = {.command = 0x84, .timeout_ms = 4000, .tries = 6};
 constexpr Board_Command erase_second = {.command = 0x86, .timeout_ms = block_wait_ms, .tries = 6};
 constexpr Board_Command check_between = {
-    .command = 0x80, .timeout_ms = 50, .tries = 36, .parameter = 0xF1};
+    .command = link_check, .timeout_ms = 50, .tries = 36, .parameter = 0xF1};
 
 // By firmware: how far the first stage reaches, and who has a second one.
 constexpr double first_large_version = 17;
@@ -43,6 +59,9 @@ constexpr std::int32_t first_address = 0x4000;
 constexpr std::int32_t last_of_large = 0xF7FF;
 constexpr std::int32_t last_of_others = 0xF3FF;
 constexpr Address_Range second_stage = {0x2000, 0x3FFF};
+// What the stages hold of the program, as image addresses.
+constexpr std::int32_t end_of_first_part = 0xAC00;
+constexpr std::int32_t end_of_both_parts = 0xCC00;
 constexpr Address_Range whole_image = {first_address, 0xFFFF};
 
 // Where the raw image carries the chip's ID code and its option bytes.
@@ -86,22 +105,36 @@ bool learn_board(frmMain& frm) {
     return true;
 }
 
+// What neither stage has a place for is not silently missing in the chips.
+void tell_code_left_out(frmMain& frm) {
+    const std::int32_t end = has_second_stage(frm) ? end_of_both_parts : end_of_first_part;
+    const std::int32_t last = std::min(frm.images.AP_Buffer.Image_High, Board_Code_Limit(frm) - 1);
+    if (last < end) return;
+    beep_times(frm, 2);
+    append_message(frm.screen, std::string(board_text::code_left_out[0]) + hex_text(end, 4) +
+                                   std::string(board_text::code_left_out[1]));
+    scroll_log_to_end(frm.screen);
+}
+
 // Stop waits until the whole job is laid out: half of one is none.
 bool build_job(frmMain& frm) {
     if (frm.link.stop_requested) return true;
+    // Nothing of the program would be on such a board.
+    if (Board_Code_Limit(frm) <= 0) {
+        report(frm, board_text::download_failed);
+        return false;
+    }
     frm.screen.comStop_Download.Enabled = false;
     const bool fits = Board_Make_Table(frm);
     if (fits) {
         Board_Make_Block(frm);
         Board_Make_CRC(frm);
         Board_Copy_Code(frm);
+        tell_code_left_out(frm);
     }
-    frm.screen.comStop_Download.Enabled = true;
-    if (!fits) return false;
-    if (Board_Code_Limit(frm) > 0) return true;
-    // Nothing of the program would be on the board.
-    report(frm, board_text::download_failed);
-    return false;
+    // Not when the window was closed behind a box: nothing is there to stop then.
+    frm.screen.comStop_Download.Enabled = !frm.link.close_pending;
+    return fits;
 }
 
 bool erase_board(frmMain& frm) {
@@ -145,8 +178,8 @@ bool report_send_failure(frmMain& frm, int beeps) {
         report(frm, board_text::stopped);
         return false;
     }
-    beep_times(frm, beeps);
     report(frm, board_text::download_failed);
+    beep_times(frm, beeps);
     return false;
 }
 
@@ -189,10 +222,25 @@ bool with_board_frames(frmMain& frm, bool raw) {
     frm.link.Board_Block_Wait = block_wait_ms;
     frm.link.Board_Gap_Wait = gap_wait_ms;
     const bool good = load_board(frm, raw);
-    frm.link.use_crc = false;
+    leave_board_link(frm.link);
     return good;
 }
 
+// The steps before the link. False when the operator has been told why there is no job.
+bool job_is_possible(frmMain& frm, bool raw) {
+    const bool numbered = frm.screen.cheAuto_Increase.Value != 0;
+    if (!file_ready(frm)) return false;
+    if (raw) return true;
+    if (numbered && frm.screen.cheAuto_Increase.Value == 0) {
+        frm.platform.dialogs.show_text(chosen_text(frm.screen, board_text::numbering_gone));
+        return false;
+    }
+    patch_touched_program_number(frm);
+    return Board_Check_Number(frm);
+}
+
+// The job on the board is the image of the moment when it was laid out; nothing that
+// happened to the image since stays.
 void restore_program(frmMain& frm, bool raw) {
     std::vector<std::uint8_t>& saved = frm.board.Saved_AP_Image;
     if (!raw && frm.screen.cheAuto_Increase.Value != 0 && !saved.empty())
@@ -204,8 +252,8 @@ void restore_program(frmMain& frm, bool raw) {
 
 Board_Outcome Board_Download(frmMain& frm, bool raw) {
     frm.board.Link_Block_Size = link_block_size;
-    if (!file_ready(frm)) return Board_Outcome::no_file;
-    patch_touched_program_number(frm);
+    if (!job_is_possible(frm, raw))
+        return frm.images.File_Loaded ? Board_Outcome::failed : Board_Outcome::no_file;
     // The window may have been closed behind a box.
     if (frm.link.close_pending) return Board_Outcome::failed;
     const bool good = with_board_frames(frm, raw);

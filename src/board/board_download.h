@@ -4,8 +4,8 @@
 // Owns the layout of the job (board_image.h, board_build.h), the link with the board
 // (board_link.h), the flow, and the reading back of the board's storage. Called by the
 // wiring. Always holds: every way out closes the port and gives the controls back;
-// frames carry the board's CRC (use_crc) inside alone; the program image is behind a
-// flow what it was before.
+// frames carry the board's CRC (use_crc) inside these flows alone; the program image is
+// behind the loading of a board what it was before.
 #pragma once
 
 #include "frmMain.h"

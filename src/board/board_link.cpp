@@ -32,20 +32,45 @@ bool decided(const LinkState& link) {
     return link.reply_timed_out || link.reply_gap_or_bad || link.frame_ok || link.stop_requested;
 }
 
-// One try; true for a good frame.
+bool wait_for_board(frmMain& frm) {
+    LinkState& link = frm.link;
+    wait_until(frm, [&] { return decided(link); });
+    stop_timer(frm.timers.Timer1);
+    if (!link.frame_ok && link.reply_timed_out) link.answer_owed = true;
+    if (!link.frame_ok || link.stop_requested) return false;
+    copy_receive(frm);
+    return true;
+}
+
+// One try.
 bool ask(frmMain& frm, const Board_Command& command) {
     send_command(frm, command.command, command.timeout_ms, command.parameter);
-    return wait_for_board(frm);
+    if (!wait_for_board(frm)) return false;
+    if (command.is_answer(frm.link)) return true;
+    frm.link.answer_owed = true;
+    return false;
+}
+
+// Each wake byte may be answered, and late: such an answer would pass for that to the first
+// link check, the check's for that to the second, and so on through the whole job.
+bool another_answer_comes(frmMain& frm) {
+    forget_reply(frm.link);
+    frm.link.seen_46 = false;
+    return wait_for_frame(frm, link_check.timeout_ms);
 }
 
 // A board without power hears nothing, so the byte goes out until one does. A spoilt
 // answer is forgotten, or it would stand in the way of the next one.
 bool wake(frmMain& frm) {
     LinkState& link = frm.link;
+    int written = 0;
     reset_receive(frm);
     link.reply_gap_or_bad = false;
     for (int attempt = 0; attempt < wake_tries; ++attempt) {
-        if (frm.platform.port.output_count() == 0) write_signal(frm, wake_byte);
+        if (frm.platform.port.output_count() == 0) {
+            write_signal(frm, wake_byte);
+            ++written;
+        }
         link.reply_timed_out = false;
         restart_timer(frm, frm.timers.Timer1, wake_ms);
         wait_until(frm,
@@ -57,11 +82,12 @@ bool wake(frmMain& frm) {
         link.seen_46 = false;
     }
     stop_timer(frm.timers.Timer1);
-    return link.frame_ok && !link.stop_requested;
+    if (!link.frame_ok || link.stop_requested) return false;
+    for (; written > 1 && !link.stop_requested; --written)
+        if (!another_answer_comes(frm)) break;
+    return !link.stop_requested;
 }
 
-// What is still owed to the wake bytes passes for none of these: it takes eleven good
-// answers in a row.
 bool synchronise(frmMain& frm) {
     for (int check = 0; check < good_checks; ++check)
         if (!board_asked(frm, link_check)) return false;
@@ -74,12 +100,13 @@ bool read_first_version(frmMain& frm) {
     bool answered = false;
     for (int attempt = 0; attempt < first_version.tries && !link.stop_requested; ++attempt) {
         answered = ask(frm, first_version);
-        copy_receive(frm);
         if (answered && link.rx_copy[3] == first_version.command) break;
+        link.answer_owed = true;
     }
     if (!answered || link.stop_requested) return false;
     frm.board.Board_Version = hex_text(link.rx_copy[4], 2);
-    return true;
+    let_owed_answers_pass(frm, first_version.timeout_ms);
+    return !link.stop_requested;
 }
 
 void report_version(frmMain& frm) {
@@ -116,6 +143,7 @@ bool send_sector_safely(frmMain& frm, std::span<const std::uint8_t> image, Addre
         if (frm.link.stop_requested) return false;
         // An acknowledgement names no block: a late one would pass for the next block's.
         let_owed_answers_pass(frm, frm.link.Board_Block_Wait);
+        if (frm.link.stop_requested) return false;
         if (sent) return true;
     }
     return false;
@@ -123,12 +151,15 @@ bool send_sector_safely(frmMain& frm, std::span<const std::uint8_t> image, Addre
 
 }  // namespace
 
-bool wait_for_board(frmMain& frm) {
-    LinkState& link = frm.link;
-    wait_until(frm, [&] { return decided(link); });
-    stop_timer(frm.timers.Timer1);
-    if (link.reply_timed_out && !link.frame_ok) link.answer_owed = true;
-    return link.frame_ok && !link.stop_requested;
+bool board_answers(frmMain& frm, std::span<const std::uint8_t> frame, std::int32_t timeout_ms) {
+    reset_receive(frm);
+    expect_board_answer(frm, timeout_ms);
+    write_frame(frm, frame);
+    return wait_for_board(frm);
+}
+
+int reply_length(const LinkState& link) {
+    return link.rx_frame[1] * 256 + link.rx_frame[2];
 }
 
 bool board_asked(frmMain& frm, const Board_Command& command) {
@@ -137,7 +168,6 @@ bool board_asked(frmMain& frm, const Board_Command& command) {
     for (int attempt = 0; attempt < command.tries && !answered && !link.stop_requested; ++attempt)
         answered = ask(frm, command);
     if (!answered) return false;
-    copy_receive(frm);
     let_owed_answers_pass(frm, command.timeout_ms);
     return !link.stop_requested;
 }
@@ -160,6 +190,12 @@ bool open_board_port(frmMain& frm, const MessageText& failure) {
     // What a board sends while its power comes up is noise.
     link.hunt_header = true;
     return true;
+}
+
+void leave_board_link(LinkState& link) {
+    link.use_crc = false;
+    link.hunt_header = false;
+    link.answer_owed = false;
 }
 
 bool Board_Connect(frmMain& frm) {
@@ -187,19 +223,10 @@ bool Board_Send_Range(frmMain& frm, std::span<const std::uint8_t> image, Address
 
 int Board_Send_Block(frmMain& frm, std::span<const std::uint8_t> image, std::int32_t address,
                      std::int32_t count, bool flag) {
-    LinkState& link = frm.link;
     const Frame frame = build_board_block(image, address, count, flag);
-    reset_receive(frm);
-    write_frame(frm, frame);
-    link.reply_timed_out = false;
-    link.reply_gap_or_bad = false;
-    link.frame_ok = false;
-    restart_timer(frm, frm.timers.Timer1, link.Board_Block_Wait);
-    stop_timer(frm.timers.Timer2);
-    frm.timers.Timer2.Interval = link.Board_Gap_Wait;
-    if (!wait_for_board(frm)) return block_result(frm, false);
-    copy_receive(frm);
-    return block_result(frm, link.rx_copy[3] == acknowledged);
+    const bool good =
+        board_answers(frm, frame, frm.link.Board_Block_Wait) && frm.link.rx_copy[3] == acknowledged;
+    return block_result(frm, good);
 }
 
 }  // namespace vkm

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "frmMain.h"
+#include "link/isp_link.h"
 #include "screen/message_text.h"
 #include "session/program_ranges.h"
 
@@ -18,6 +19,9 @@ inline constexpr std::int32_t board_sector = 512;
 // False, and the failure told, when it can't be opened.
 bool open_board_port(frmMain& frm, const MessageText& failure);
 
+// Behind the board's frames: the modes and what is still owed are nobody else's.
+void leave_board_link(LinkState& link);
+
 // Opens the port and wakes the board, for as long as nobody stops it and some 300 s. True
 // when it answers; otherwise the operator has been told, and the port is closed.
 bool Board_Connect(frmMain& frm);
@@ -29,12 +33,16 @@ struct Board_Command {
     std::int32_t timeout_ms = 0;
     int tries = 1;
     std::uint8_t parameter = 0;
+    Is_Answer is_answer = any_frame;  // a good frame that is none counts as no answer
 };
 bool board_asked(frmMain& frm, const Board_Command& command);
 
-// Waits for the answer to what was just written: a good frame, a bad one, the end of
-// Timer1 or Timer2, or Stop. True for a good one.
-bool wait_for_board(frmMain& frm);
+// Writes a frame and waits: for a good frame, a bad one, the end of Timer1 or Timer2, or
+// Stop. True for a good one, which is in rx_copy then.
+bool board_answers(frmMain& frm, std::span<const std::uint8_t> frame, std::int32_t timeout_ms);
+
+// Bytes of the reply in rx_frame, from its 68 to its 16, as its length field tells.
+int reply_length(const LinkState& link);
 
 // Sends a range of the image to the same addresses, in sectors that are repeated when
 // one of their blocks fails. Shows progress. False when a sector fails for the sixth

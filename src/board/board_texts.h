@@ -54,6 +54,14 @@ inline constexpr std::string_view numbers_too_great =
 // The board has a byte for each of them.
 inline constexpr std::string_view number_too_wide =
     "脱机下载板的自动增量: 字节数应为 1 到 10, 增量应为 0 到 255。";
+inline constexpr MessageText numbering_gone = {
+    "The file was read again, which switched the numbering off. Please enable it again.",
+    "已重新打开文件, 自动增量因此关闭, 请重新启用。\r\n"
+    "The file was read again, which switched the numbering off. Please enable it again."};
+// Between the pieces the address, in hexadecimal.
+inline constexpr std::string_view code_left_out[] = {
+    "The program from address ",
+    "H on is not on the board. / 该地址以后的程序没有装入脱机下载板。"};
 // Kilobytes stand between the two pieces.
 inline constexpr std::string_view code_cut[] = {"此脱机下载板版本或该型号的 MCU 最多下载",
                                                 "K 程序和数据, 超出部分将不下载。\r\n"

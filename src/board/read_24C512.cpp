@@ -47,28 +47,22 @@ void take_over_image(frmMain& frm) {
     Fill_Bytes(0, buffer.Bytes);
 }
 
-bool page_answered(frmMain& frm) {
-    return wait_for_board(frm) && copy_receive(frm) >= shortest_reply &&
-           frm.link.rx_copy[3] == storage_reply;
+bool is_page(const LinkState& link) {
+    return reply_length(link) >= shortest_reply && link.rx_copy[3] == storage_reply;
 }
 
+// A page doesn't tell which one it is, so that behind a repeat the line must be silent
+// before the next one is asked for.
 bool read_page(frmMain& frm, std::int32_t address) {
     LinkState& link = frm.link;
     const Frame frame = build_board_read(address);
-    for (int attempt = 0; attempt < tries_per_page; ++attempt) {
-        reset_receive(frm);
-        write_frame(frm, frame);
-        link.frame_ok = false;
-        link.reply_timed_out = false;
-        link.reply_gap_or_bad = false;
-        restart_timer(frm, frm.timers.Timer1, page_wait_ms);
-        stop_timer(frm.timers.Timer2);
-        frm.timers.Timer2.Interval = link.Board_Gap_Wait;
-        if (page_answered(frm)) return true;
-        if (link.stop_requested) return false;
-        let_owed_answers_pass(frm, page_wait_ms);
+    bool read = false;
+    for (int attempt = 0; attempt < tries_per_page && !read && !link.stop_requested; ++attempt) {
+        read = board_answers(frm, frame, page_wait_ms) && is_page(link);
+        link.answer_owed = !read || attempt > 0;
+        if (!link.stop_requested) let_owed_answers_pass(frm, page_wait_ms);
     }
-    return false;
+    return read && !link.stop_requested;
 }
 
 void store_page(frmMain& frm, std::int32_t address) {
@@ -129,7 +123,7 @@ void read_storage(frmMain& frm) {
     scroll_log_to_end(frm.screen);
     frm.link.use_crc = true;
     const bool whole = read_pages(frm);
-    frm.link.use_crc = false;
+    leave_board_link(frm.link);
     Show_Progress(frm, Progress::hide);
     end_reading(frm, whole);
 }
@@ -143,10 +137,11 @@ void Read24C512(frmMain& frm) {
     if (!lease.granted()) return;
     close_assistant_port(frm);
     if (Board_Download(frm, true) == Board_Outcome::failed) return;
-    if (close_port(frm)) close_port(frm);
-    if (!frm.link.close_pending) read_storage(frm);
-    close_port(frm);
-    Set_UI_State(frm, frm.session.UI_State);
+    if (frm.link.close_pending) return;
+    // The image is being filled, and Stop has to stay: locking the options would take it.
+    Set_UI_Busy(frm);
+    read_storage(frm);
+    comStop_Download(frm);
 }
 
 }  // namespace vkm

@@ -152,11 +152,14 @@ void Advance_Auto_Increase(frmMain& frm, Auto_Increase_Set& set) {
     Read_Auto_Increase(frm);
 }
 
+void Note_Number_Behind(frmMain& frm, const Auto_Increase_Set& set) {
+    frm.platform.settings.save(place_of(frm, set).section, field_settings[next_field].key,
+                               next_number(set));
+}
+
 void Note_Numbers_Behind(frmMain& frm) {
     for (const NumberPlace& place : places(frm))
-        if (place.set.Active && counts_up(place.set))
-            frm.platform.settings.save(place.section, field_settings[next_field].key,
-                                       next_number(place.set));
+        if (place.set.Active && counts_up(place.set)) Note_Number_Behind(frm, place.set);
 }
 
 std::string last_saved_number(frmMain& frm, const Auto_Increase_Set& set) {

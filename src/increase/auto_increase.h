@@ -56,6 +56,9 @@ void Advance_Auto_Increase(frmMain& frm, Auto_Increase_Set& set);
 // that no crash comes between the two.
 void Note_Numbers_Behind(frmMain& frm);
 
+// The same for one set, whatever its number is.
+void Note_Number_Behind(frmMain& frm, const Auto_Increase_Set& set);
+
 // The next number that the settings hold: how far this bench has come.
 std::string last_saved_number(frmMain& frm, const Auto_Increase_Set& set);
 

@@ -100,6 +100,13 @@ int block_result(frmMain& frm, bool good);
 void send_command(frmMain& frm, std::uint8_t command, std::int32_t timeout_ms,
                   std::uint8_t parameter);
 
+// Before a request to the download board is written: its flags cleared, Timer1 started as
+// the time for its answer, Timer2 set to the gap time and stopped.
+void expect_board_answer(frmMain& frm, std::int32_t timeout_ms);
+
+// What has been received of the 5A A5 class so far is no answer; output stays.
+void forget_demo_input(frmMain& frm);
+
 // A short command of the 5A A5 class, once the output is empty and 20 ms later. Nothing
 // is written when Stop came in between.
 void send_demo_command(frmMain& frm, std::uint8_t command);

@@ -61,17 +61,18 @@ bool demo_block_acknowledged(const LinkState& link, std::uint16_t data_sum) {
     return link.rx_copy[5] * 256 + link.rx_copy[6] == data_sum;
 }
 
-// What comes while the frame leaves the wire answers the one before; the receive handler
-// passes it over (receiving.cpp). A clearing behind the write would take the answer of a
-// quick target along, or any answer where the machine wakes late. The time for the answer
-// begins when the device has the frame.
+// This class clears behind the write: whatever the program answered to the frame before is
+// not taken for the answer to this one. What is received is forgotten at once, and what
+// comes while the frame still leaves the wire by the receive handler (receiving.cpp), since
+// later the answer of a quick target would go along. Output is left alone until the device
+// has it all: a clearing would cut the frame off. The time for the answer begins then.
 bool send_demo_block(frmMain& frm, const DataFrame& frame) {
     LinkState& link = frm.link;
     if (link.stop_requested) return false;
     reset_receive(frm);
-    link.demo_frame_ok = false;
-    link.demo_stop_requested = false;
     write_frame(frm, frame.bytes);
+    forget_demo_input(frm);
+    link.demo_stop_requested = false;
     wait_until_handed_over(frm, frame.bytes.size());
     arm_reply_timer(frm);
     if (!wait_for_demo_frame(frm)) return false;
@@ -103,6 +104,11 @@ void write_signal(frmMain& frm, std::span<const std::uint8_t> bytes) {
     frm.platform.port.write(bytes);
 }
 
+void forget_demo_input(frmMain& frm) {
+    frm.platform.port.clear_input();
+    forget_demo_reply(frm.link);
+}
+
 void wait_until_sent(frmMain& frm, std::size_t bytes) {
     poll_while(frm, bytes, [&] { return frm.platform.port.output_count(); });
 }
@@ -128,16 +134,21 @@ int block_result(frmMain& frm, bool good) {
     return -1;
 }
 
-void send_command(frmMain& frm, std::uint8_t command, std::int32_t timeout_ms,
-                  std::uint8_t parameter) {
+void expect_board_answer(frmMain& frm, std::int32_t timeout_ms) {
     LinkState& link = frm.link;
-    reset_receive(frm);
     link.reply_timed_out = false;
     link.reply_gap_or_bad = false;
     link.frame_ok = false;
     restart_timer(frm, frm.timers.Timer1, timeout_ms);
     stop_timer(frm.timers.Timer2);
     frm.timers.Timer2.Interval = link.Board_Gap_Wait;
+}
+
+void send_command(frmMain& frm, std::uint8_t command, std::int32_t timeout_ms,
+                  std::uint8_t parameter) {
+    LinkState& link = frm.link;
+    reset_receive(frm);
+    expect_board_answer(frm, timeout_ms);
     const auto family = static_cast<std::uint8_t>(frm.catalogue.MCU_Info.MCU_Family & 0xFF);
     write_frame(frm, build_board_command(command, family, parameter, link.use_crc));
 }

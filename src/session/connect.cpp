@@ -68,7 +68,7 @@ bool connect(frmMain& frm, bool ReadChipLock_just) {
         job_failed(frm, session_text::step_connect);
         return false;
     }
-    for (int check = 0; check < link_checks; ++check) Poll_Chip(frm);
+    for (int check = 0; check < link_checks && !frm.link.stop_requested; ++check) Poll_Chip(frm);
     // The handshake has read and shown the options: nothing more was wanted.
     if (ReadChipLock_just) return false;
     let_owed_answers_pass(frm, late_answer_ms);

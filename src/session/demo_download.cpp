@@ -3,9 +3,9 @@
 #include <string>
 
 #include "catalogue/older_codes.h"
+#include "increase/auto_increase.h"
 #include "increase/number_sequence.h"
 #include "link/isp_link.h"
-#include "link/reply_gathering.h"
 #include "options/option_display.h"
 #include "session/download_session.h"
 #include "session/job_steps.h"
@@ -55,23 +55,38 @@ std::int32_t poll_ms(const frmMain& frm) {
     return answer_time(frm, usual, poll_bytes, poll_chip_ms);
 }
 
-// One try of a command; true when it was answered. The one before isn't cut off by it.
-bool ask(frmMain& frm, Command command, std::int32_t timeout_ms) {
+// One try of a command; true when it was answered. The frame before isn't cut off by it.
+// What came in the pause before the command answers an older one; to a poll that is as
+// good an answer. A reply too short for what is asked is none.
+bool ask(frmMain& frm, Command command, std::int32_t timeout_ms, int shortest_reply = 0) {
     wait_until_sent(frm, frm.platform.port.output_count());
+    if (demo_stopped(frm.link)) return false;
     reset_receive(frm);
     frm.link.demo_frame_ok = false;
     send_demo_command(frm, command);
-    // What came in the pause before the command answers an older one. To a poll that is
-    // as good an answer.
-    if (command != connect_command) forget_demo_reply(frm.link);
+    if (command != connect_command) forget_demo_input(frm);
     restart_timer(frm, frm.timers.Timer7, timeout_ms);
-    return wait_for_demo_frame(frm);
+    while (wait_for_demo_frame(frm)) {
+        if (frm.link.rx_expected >= shortest_reply) return true;
+        forget_demo_input(frm);
+    }
+    return false;
 }
 
-// Up to `tries` of them.
-bool ask_until_answered(frmMain& frm, Command command, int tries, std::int32_t timeout_ms) {
-    for (int attempt = 0; attempt < tries && !demo_stopped(frm.link); ++attempt)
-        if (ask(frm, command, timeout_ms)) return true;
+// Up to `tries` of them; the answer is in rx_copy then. Behind a repeat the line has to be
+// silent, or the answer to one of the tries would pass for the answer to what comes next.
+bool ask_until_answered(frmMain& frm, Command command, int tries, std::int32_t timeout_ms,
+                        int shortest_reply = 0) {
+    for (int attempt = 0; attempt < tries && !demo_stopped(frm.link); ++attempt) {
+        if (!ask(frm, command, timeout_ms, shortest_reply)) continue;
+        copy_receive(frm);
+        for (int owed = attempt; owed > 0; --owed) {
+            forget_demo_input(frm);
+            restart_timer(frm, frm.timers.Timer7, timeout_ms);
+            if (!wait_for_demo_frame(frm)) break;
+        }
+        return !demo_stopped(frm.link);
+    }
     return false;
 }
 
@@ -106,19 +121,10 @@ bool Demo_Connect(frmMain& frm) {
     return reached;
 }
 
-bool read_version_reply(frmMain& frm) {
-    for (int attempt = 0; attempt < version_tries && !demo_stopped(frm.link); ++attempt)
-        if (ask(frm, read_version, version_ms) && frm.link.rx_expected >= shortest_version_reply) {
-            copy_receive(frm);
-            return true;
-        }
-    return false;
-}
-
 bool Demo_Read_Version(frmMain& frm) {
     report(frm, session_text::demo_reading_version);
     Clear_Read_Lines(frm);
-    if (!read_version_reply(frm)) {
+    if (!ask_until_answered(frm, read_version, version_tries, version_ms, shortest_version_reply)) {
         if (demo_stopped(frm.link)) return false;
         beep_times(frm, 3);
         append_message(frm.screen, with_time_of_day(frm, session_text::demo_version_failed));
@@ -150,9 +156,19 @@ bool Demo_Erase(frmMain& frm) {
 
 bool program(frmMain& frm) {
     wait_ms(frm, settle_ms);
-    frm.session.Program_OK = false;
-    Program_Image(frm);
-    return frm.session.Program_OK;
+    return image_programmed(frm);
+}
+
+bool numbered(const frmMain& frm) {
+    return frm.screen.cheAuto_Increase.Value != 0 && frm.increase.Auto_Increase.Active;
+}
+
+// The chip has its number, whatever becomes of the tool from here on: the next one is on
+// the disk before anything else.
+void keep_next_number(frmMain& frm) {
+    if (!numbered(frm)) return;
+    Note_Number_Behind(frm, frm.increase.Auto_Increase);
+    if (!frm.platform.settings.flush()) report(frm, session_text::count_not_saved);
 }
 
 void report_success(frmMain& frm) {
@@ -176,15 +192,16 @@ bool program_one_chip(frmMain& frm) {
     if (!step(frm, Demo_Read_Version(frm), step_identify)) return false;
     if (!step(frm, Demo_Erase(frm), step_erase)) return false;
     if (!step(frm, program(frm), step_program)) return false;
+    keep_next_number(frm);
     Show_Progress(frm, Progress::hide);
     for (int told = 0; told < 2; ++told) send_demo_command(frm, end_of_job);
     wait_until_sent(frm, frm.platform.port.output_count());
     report_success(frm);
     job_done(frm);
     if (frm.screen.optBeepYes.Value != 0) frm.platform.sounder.beep();
-    if (demo_stopped(frm.link)) return false;
-    if (frm.screen.cheAuto_Increase.Value != 0) Advance_Program_Number(frm);
-    return true;
+    // Also when Stop came behind the last block: no other chip gets this one's number.
+    if (numbered(frm)) Advance_Program_Number(frm);
+    return !demo_stopped(frm.link);
 }
 
 bool send_code_first(frmMain& frm) {
@@ -196,10 +213,14 @@ bool send_code_first(frmMain& frm) {
 }
 
 void program_chips(frmMain& frm, bool repeat) {
-    if (!send_code_first(frm)) return;
+    job_runs(frm);
+    if (!step(frm, send_code_first(frm), session_text::step_connect)) return;
     while (!demo_stopped(frm.link)) {
         stop_timer(frm.timers.Timer9);
         patch_touched_program_number(frm);
+        frm.screen.Focus_Request = "Text1";
+        // The window may have been closed behind the box of a bad number.
+        if (demo_stopped(frm.link)) break;
         frm.link.demo_mode = true;
         if (!program_one_chip(frm) || !repeat) return;
         pause_between_chips(frm, Pause_Stop::at_once);
@@ -207,7 +228,10 @@ void program_chips(frmMain& frm, bool repeat) {
 }
 
 void leave(frmMain& frm) {
-    if (demo_stopped(frm.link)) report_stop(frm);
+    if (demo_stopped(frm.link)) {
+        job_failed(frm, session_text::step_connect);
+        report_stop(frm);
+    }
     frm.platform.port.clear_input();
     frm.platform.port.clear_output();
     comStop_Download(frm);

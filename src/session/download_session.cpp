@@ -23,9 +23,7 @@ constexpr std::int32_t settle_ms = 100;
 constexpr std::int32_t settle_at_base_baud_ms = 1000;  // the last block needs longer there
 
 bool program(frmMain& frm) {
-    frm.session.Program_OK = false;
-    Program_Image(frm);
-    if (!frm.session.Program_OK) return false;
+    if (!image_programmed(frm)) return false;
     wait_ms(frm, held_at_base_baud(frm) ? settle_at_base_baud_ms : settle_ms);
     Show_Progress(frm, Progress::hide);
     return true;

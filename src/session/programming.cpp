@@ -149,6 +149,12 @@ void Program_Image(frmMain& frm) {
     if (!frm.session.Program_OK) report_failure(frm);
 }
 
+bool image_programmed(frmMain& frm) {
+    frm.session.Program_OK = false;
+    Program_Image(frm);
+    return frm.session.Program_OK;
+}
+
 int Program_Range(frmMain& frm, bool split, std::span<const std::uint8_t> bytes,
                   Address_Range range, bool cut_allowed) {
     const std::int32_t block_size = frm.catalogue.Block_Size;

@@ -16,6 +16,9 @@ namespace vkm {
 // been told in the log.
 void Program_Image(frmMain& frm);
 
+// The same; true when it went well.
+bool image_programmed(frmMain& frm);
+
 // Programs a range of the bytes. With `split` a block goes out in frames of
 // Chunk_Size, otherwise in one; with `cut_allowed` the range of a family 2 chip
 // is cut where its boot firmware begins. 0, or -1 after a stop or too many

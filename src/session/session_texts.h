@@ -178,6 +178,8 @@ inline constexpr MessageText step_read_options = {"Read options", "Read options 
 inline constexpr MessageText step_erase = {"Erase", "Erase / 擦除"};
 inline constexpr MessageText step_program = {"Program", "Program / 下载"};
 inline constexpr MessageText step_read_board = {"Read 24C512", "Read 24C512 / 读 24C512"};
+inline constexpr MessageText step_read_monitor = {"Read monitor file",
+                                                  "Read monitor file / 读仿真监控文件"};
 inline constexpr MessageText step_write_options = {"Write options", "Write options / 写选项"};
 
 }  // namespace vkm::session_text

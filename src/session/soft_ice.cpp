@@ -31,14 +31,18 @@ std::string beside_program(const frmMain& frm, std::string_view name) {
     return frm.platform.files.program_folder() + "/" + std::string(name);
 }
 
-bool has_content(frmMain& frm, std::string_view name) {
-    const std::string path = beside_program(frm, name);
-    const auto stamp = frm.platform.files.stamp(path);
-    if (stamp && stamp->size > 0 && frm.platform.files.open(path)) return true;
+bool tell_empty(frmMain& frm, std::string_view name) {
     const auto& around = session_text::monitor_file_empty;
     frm.platform.dialogs.show_text(std::string(around[0]) + std::string(name) +
                                    std::string(around[1]));
     return false;
+}
+
+bool has_content(frmMain& frm, std::string_view name) {
+    const std::string path = beside_program(frm, name);
+    const auto stamp = frm.platform.files.stamp(path);
+    const bool content = stamp && stamp->size > 0 && frm.platform.files.open(path);
+    return content || tell_empty(frm, name);
 }
 
 // Both files stand beside the program, and there is something in them.
@@ -74,25 +78,31 @@ void take_over_image(frmMain& frm) {
 }
 
 // The first bytes of a file, as the reader of binary files takes them; behind a short one
-// stands FF.
+// stands FF. Nothing when the file has gone since it was looked at.
 std::vector<std::uint8_t> beginning_of(frmMain& frm, std::string_view name, std::size_t count) {
     Image_Buffer& buffer = frm.images.AP_Buffer;
     frm.images.Current_File = beside_program(frm, name);
     buffer.Start_Add = 0;
     blank_monitor_area(buffer.Bytes);
-    Read_Bin_File(frm, frm.images.Current_File, buffer);
+    const bool whole = Read_Bin_File(frm, frm.images.Current_File, buffer);
+    if (!whole || buffer.File_High < buffer.File_Low) return {};
     return {buffer.Bytes.begin(), buffer.Bytes.begin() + static_cast<std::ptrdiff_t>(count)};
 }
 
-void build_image(frmMain& frm) {
+bool build_image(frmMain& frm) {
     Settle_ISP_Range(frm);
     Image_Buffer& buffer = frm.images.AP_Buffer;
     const std::string SoftICE_File = frm.catalogue.SoftICE_File;
     const auto start = beginning_of(frm, monitor_start_file, monitor_start_size);
     const auto monitor = beginning_of(frm, SoftICE_File, monitor_size);
     Fill_Bytes(0, buffer.Bytes);
+    if (start.empty() || monitor.empty()) {
+        frm.images.File_Loaded = false;
+        return tell_empty(frm, start.empty() ? monitor_start_file : SoftICE_File);
+    }
     lay_out_monitor(buffer.Bytes, std::span(start).first<monitor_start_size>(),
                     std::span(monitor).first<monitor_size>(), SoftICE_File);
+    return true;
 }
 
 void take_range(Image_Buffer& buffer, Address_Range range) {
@@ -100,21 +110,15 @@ void take_range(Image_Buffer& buffer, Address_Range range) {
     buffer.Image_High = buffer.File_High = range.last;
 }
 
-bool program(frmMain& frm) {
-    frm.session.Program_OK = false;
-    Program_Image(frm);
-    return frm.session.Program_OK;
-}
-
 bool program_monitor(frmMain& frm) {
     Image_Buffer& buffer = frm.images.AP_Buffer;
     take_range(buffer, monitor_range);
     Refresh_Buffer_View(frm, buffer, frm.increase.Auto_Increase);
     keep_keyboard(frm);
-    if (!connect_and_erase(frm) || !program(frm)) return false;
+    if (!connect_and_erase(frm) || !image_programmed(frm)) return false;
     buffer.Image_Low = reset_range.first;
     buffer.Image_High = reset_range.last;
-    return program(frm);
+    return image_programmed(frm);
 }
 
 void finish(frmMain& frm) {
@@ -138,8 +142,11 @@ void comDownSoft_ICE(frmMain& frm) {
     take_over_image(frm);
     begin_session(frm);
     job_runs(frm);
-    build_image(frm);
-    if (program_monitor(frm)) finish(frm);
+    if (build_image(frm)) {
+        if (program_monitor(frm)) finish(frm);
+    } else {
+        job_failed(frm, session_text::step_read_monitor);
+    }
     comStop_Download(frm);
 }
 

@@ -13,7 +13,10 @@ constexpr std::size_t blank_bytes = 13312 + 1;
 constexpr std::uint8_t blank = 0xFF;
 constexpr std::size_t place_of_start = 0x2000;
 constexpr std::size_t place_of_monitor = 0x2300;
-constexpr std::array<std::uint8_t, 3> reset_jump = {0x02, 0x22, 0x00};  // LJMP 2200: the loader
+constexpr std::uint8_t LJMP = 0x02;
+constexpr std::array<std::uint8_t, 3> reset_jump = {
+    LJMP, static_cast<std::uint8_t>(monitor_loader_start >> 8),
+    static_cast<std::uint8_t>(monitor_loader_start & 0xFF)};
 
 void place(std::span<std::uint8_t> image, std::size_t address,
            std::span<const std::uint8_t> bytes) {

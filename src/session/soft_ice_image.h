@@ -12,7 +12,8 @@
 namespace vkm {
 
 // What is programmed first, and the block with the reset jump, which goes in last: a chip
-// whose download broke off starts as it did before.
+// whose download broke off doesn't jump into half a monitor. (As ever no fewer than 640
+// bytes are programmed; behind the jump they are FF.)
 inline constexpr Address_Range monitor_range = {8192, 13311};
 inline constexpr Address_Range reset_range = {0, 127};
 

@@ -37,7 +37,7 @@ using IspFault = FaultOn<IspFrame>;
 
 struct IspConfig {
     double baud = 115200;
-    std::array<std::uint8_t, 2> code{0xF1, 0x08};  // the chip's code of four digits
+    std::array<std::uint8_t, 2> code{0x40, 0x05};  // the chip's code of four digits
     std::uint8_t chip_byte = 0;                    // behind it
     std::uint32_t flash_size = 0x8000;
     std::uint32_t sector = 512;

@@ -26,7 +26,7 @@ bool set_code(A& arguments, std::string_view text) {
 const Option<IspArguments> isp_options[] = {
     {"--baud", "BAUD", "its rate, 115200 if not told",
      [](A& a, std::string_view v) { return set_baud(v, a.config.baud); }},
-    {"--code", "HEX", "the chip's code of four digits, F108 if not told", set_code},
+    {"--code", "HEX", "the chip's code of four digits, 4005 if not told", set_code},
     {"--chip-byte", "HEX", "the byte behind it in the version, 00 if not told",
      [](A& a, std::string_view v) { return set_hex_byte(v, a.config.chip_byte); }},
     {"--flash-size", "BYTES", "its flash, 32768 if not told",

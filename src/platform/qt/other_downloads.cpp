@@ -71,7 +71,7 @@ QWidget* make_board_page(ScreenView& view, Screen& s) {
 
 QWidget* make_demo_page(ScreenView& view, Screen& s) {
     auto* line = column_label("串口 / Line:");
-    auto* watchdog = column_label("看门狗 / Watchdog:");
+    auto* watchdog = column_label("喂狗 / Feeding:");
     auto* code = column_label("命令 / Code (HEX):");
     auto* code_line = column_label("串口 / Line:");
     ColumnLabel::align({line, watchdog, code, code_line});
@@ -86,7 +86,6 @@ QWidget* make_demo_page(ScreenView& view, Screen& s) {
     download_fields->addRow(
         line, serial_setting(view, s.cob_DEMO_DownLoad_Baud, s.cob_DEMO_DownLoad_Parity,
                              s.cob_DEMO_DownLoad_DataBits, s.cob_DEMO_DownLoad_StopBits));
-    download_fields->addRow(watchdog, pin_choice(view, s.opt_ISP_DEMO_WDT, s.comb_WDT));
     column(download)->addLayout(download_fields);
     lines->addWidget(download);
 
@@ -101,6 +100,12 @@ QWidget* make_demo_page(ScreenView& view, Screen& s) {
                                        s.cob_DEMO_UserCode_DataBits, s.cob_DEMO_UserCode_StopBits));
     code_lines->addLayout(code_fields);
     lines->addWidget(user_code);
+
+    QWidget* pin = titled_group("外部看门狗, 用于步骤5的下载 / External watchdog, for step 5");
+    auto* pin_fields = form();
+    pin_fields->addRow(watchdog, pin_choice(view, s.opt_ISP_DEMO_WDT, s.comb_WDT));
+    column(pin)->addLayout(pin_fields);
+    lines->addWidget(pin);
     lines->addStretch();
     return page;
 }
