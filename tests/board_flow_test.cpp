@@ -12,6 +12,7 @@
 #include "options/mcu_options.h"
 #include "simulators/board_job.h"
 #include "simulators/board_programmer.h"
+#include "support/holding_line.h"
 
 namespace vkm::test {
 namespace {
@@ -240,10 +241,43 @@ TEST(BoardFlow, ABoardWithoutRoomTakesNothing) {
     BoardBench bench({.capacity_kb = 0});
     bench.load(file_size);
     bench.load_board();
-    ASSERT_EQ(bench.boxes().size(), 1U);
-    EXPECT_EQ(bench.boxes()[0].text, cut_box(0));
+    EXPECT_TRUE(bench.boxes().empty());
     expect_board_failed(bench, board_not_loaded, program_step);
     EXPECT_EQ(bench.board.counters().erases, 0);
+}
+
+TEST(BoardFlow, CodeThatNeitherStageHoldsIsTold) {
+    const struct {
+        std::uint8_t version;
+        std::size_t size;
+        const char* from;
+    } rows[] = {{0x16, 0xAC00, nullptr},
+                {0x16, 0xAC01, "AC00"},
+                {0x17, 0xCC00, nullptr},
+                {0x17, 0xCC01, "CC00"}};
+    for (const auto& row : rows) {
+        BoardBench bench({.version = row.version, .capacity_kb = 64}, "VKM47H516RK+");
+        bench.load(row.size);
+        bench.load_board();
+        EXPECT_EQ(bench.frm.session.Result, Job_Result::done) << bench.tale();
+        EXPECT_EQ(bench.log_has("is not on the board."), row.from != nullptr) << row.size;
+        if (row.from) {
+            EXPECT_TRUE(bench.log_has(std::string("The program from address ") + row.from));
+        }
+        expect_flow_over(bench);
+    }
+}
+
+TEST(BoardFlow, TheLimitIsTheOneThatWasChecked) {
+    BoardBench bench({.powered_at = sim::never, .powered_after_wakes = 500});
+    bench.load(file_size);
+    bench.s.txt_download_max.Text = "5000";
+    bench.at(500, [&] { bench.s.txt_download_max.Text = "-7"; });
+    bench.load_board();
+    EXPECT_EQ(bench.frm.session.Result, Job_Result::done) << bench.tale();
+    const auto limit = bench.board.storage().begin() + 0xEC90;
+    EXPECT_EQ(Bytes(limit, limit + 4), (Bytes{0, 0, 0x13, 0x88}));
+    expect_flow_over(bench);
 }
 
 TEST(BoardFlow, AnOlderCodeThatNoModelHasCountsAsNone) {
@@ -349,10 +383,36 @@ TEST(BoardNumbering, WhatTheBoardHasNoByteForIsRefused) {
         bench.s.texAuto_Increase[field].Text = text;
         bench.load_board();
         ASSERT_EQ(bench.boxes().size(), 1U) << text;
-        EXPECT_EQ(bench.frm.session.Result, Job_Result::failed);
-        EXPECT_EQ(bench.board.counters().erases, 0);
+        EXPECT_FALSE(bench.ran()) << text;
         expect_flow_over(bench);
     }
+}
+
+TEST(BoardNumbering, WhatCantBeWrittenIsNoJob) {
+    const std::pair<std::size_t, const char*> wrong[] = {{2, "12 4"}, {2, "2147483648"}, {1, "5"}};
+    for (const auto& [field, text] : wrong) {
+        Numbering bench;
+        bench.s.optAuto_Increase[0].Value = 1;
+        bench.s.optAuto_Increase[1].Value = 0;
+        bench.s.texAuto_Increase[field].Text = text;
+        handle_event(bench.frm, {&bench.s.texAuto_Increase[field], EventKind::Change, 0, {}});
+        bench.load_board();
+        EXPECT_FALSE(bench.boxes().empty()) << text;
+        EXPECT_FALSE(bench.ran()) << text;
+        expect_flow_over(bench);
+    }
+}
+
+TEST(BoardNumbering, AFileThatIsReadAgainSwitchesItOffAndIsTold) {
+    Numbering bench;
+    bench.files.add("/program.bin", bench.image);
+    bench.frm.images.Program_File = "/program.bin";
+    bench.s.cekReloadFile.Value = 1;
+    bench.load_board();
+    ASSERT_EQ(bench.boxes().size(), 1U);
+    EXPECT_TRUE(bench.boxes()[0].text.starts_with("已重新打开文件, 自动增量因此关闭"));
+    EXPECT_EQ(bench.s.cheAuto_Increase.Value, 0);
+    EXPECT_FALSE(bench.ran());
 }
 
 // A number that was touched since goes into the image first, as in any job.
@@ -652,6 +712,20 @@ TEST(BoardRead, APortThatIsGoneBehindTheWritingIsToldAndLeavesTheImage) {
     expect_flow_over(bench);
 }
 
+TEST(BoardRead, APageThatComesLateIsNotTakenForTheNext) {
+    for (const int nth : {1, 2, 100, 511})
+        for (const int ms : {590, 610, 1150, 1250, 1400, 1790}) {
+            SCOPED_TRACE(std::to_string(nth) + " " + std::to_string(ms));
+            BoardBench bench(full_board());
+            HoldingLine held(bench.board.target(), nth, Milliseconds(ms));
+            bench.line.connect(held.target());
+            bench.read_board();
+            EXPECT_EQ(bench.frm.session.Result, Job_Result::done) << bench.tale();
+            EXPECT_TRUE(image_is(bench, random_bytes(0x10000, 5), 0x10000));
+            expect_read_over(bench);
+        }
+}
+
 TEST(BoardRead, HalfOfTheStorageIsNoProgram) {
     BoardBench bench(board_with({"lose_frame@read:300*3"}));
     bench.load(file_size);
@@ -668,6 +742,34 @@ TEST(BoardRead, NoNumberIsCountedUpInWhatWasRead) {
     EXPECT_EQ(bench.s.cheAuto_Increase.Value, 0);
     EXPECT_FALSE(bench.frm.increase.Auto_Increase.Active);
     expect_read_over(bench);
+}
+
+TEST(BoardRead, AProgramWhoseFileHasGoneStays) {
+    BoardBench bench;
+    bench.load(file_size);
+    bench.s.cekReloadFile.Value = 1;
+    bench.frm.images.Program_File = "/gone.bin";
+    bench.read_board();
+    ASSERT_EQ(bench.boxes().size(), 1U);
+    EXPECT_FALSE(bench.ran());
+    EXPECT_TRUE(bench.frm.images.File_Loaded);
+    expect_flow_over(bench);
+}
+
+TEST(BoardRead, StopCantBeTakenAwayByALock) {
+    BoardBench bench;
+    bench.load(file_size);
+    int looked = 0;
+    for (const int ms : {200, 9000, 12000})
+        bench.at(ms, [&] {
+            if (!bench.frm.session.Running) return;
+            EXPECT_FALSE(bench.s.comLockOptions.Enabled);
+            EXPECT_TRUE(bench.s.comStop_Download.Enabled);
+            ++looked;
+        });
+    bench.read_board();
+    EXPECT_EQ(looked, 3) << bench.tale();
+    EXPECT_EQ(bench.frm.session.UI_State, 0);
 }
 
 TEST(BoardRead, AWindowThatIsClosedBehindTheBoxOpensNoPort) {

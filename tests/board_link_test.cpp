@@ -2,11 +2,13 @@
 // how often each is tried, and whatever a line can do to the answers.
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <string>
 #include <vector>
 
 #include "board_bench.h"
 #include "board_frames.h"
+#include "support/holding_line.h"
 
 namespace vkm::test {
 namespace {
@@ -312,6 +314,56 @@ TEST(BoardSector, AnotherCodeIsNoAcknowledgement) {
 bool log_tells_failure(const std::string& log) {
     return ends_with(log, board_not_connected) || ends_with(log, board_not_loaded) ||
            ends_with(log, "\r\n擦除失败") || ends_with(log, second_stage_lost);
+}
+
+// An adapter that stalls hands an answer on when the tool has asked again: it answers the
+// first try, and what came meanwhile is left over.
+struct HeldRun : BoardBench {
+    HeldRun(int nth, int ms, const std::vector<std::string>& faults = {})
+        : BoardBench(board_with(faults, {.version = 0x18, .flag = 0, .capacity_kb = 44})),
+          held(board.target(), nth, Milliseconds(ms)) {
+        line.connect(held.target());
+        load(file_size);
+        load_board();
+    }
+    void expect_right(bool may_fail = false) const {
+        expect_flow_over(*this);
+        if (may_fail && frm.session.Result == Job_Result::failed) return;
+        EXPECT_EQ(frm.session.Result, Job_Result::done) << tale();
+        EXPECT_EQ(frm.board.Board_Version, "18");
+        EXPECT_EQ(frm.board.Board_Capacity, 44 * 1024);
+        EXPECT_FALSE(frm.board.Board_Flag);
+        EXPECT_TRUE(stored(0x4000, 0xF7FF));
+        EXPECT_TRUE(stored(0x2000, 0x3FFF));
+    }
+
+    HoldingLine held;
+};
+
+TEST(BoardHeldAnswers, PassForNoOtherAnswer) {
+    // All up to the first blocks, and what stands between the stages.
+    std::vector<int> answers(24);
+    std::iota(answers.begin(), answers.end(), 1);
+    answers.insert(answers.end(), {384, 385, 386, 387});
+    for (const int nth : answers)
+        for (const int ms : {40, 205, 310, 620, 1700, 3010, 4020}) {
+            // The last ones come when the tries of some commands are over.
+            SCOPED_TRACE(std::to_string(nth) + " " + std::to_string(ms));
+            HeldRun(nth, ms).expect_right(ms > 1200);
+            if (testing::Test::HasFailure()) return;
+        }
+}
+
+// The block behind it is lost: a left-over acknowledgement would stand for it.
+TEST(BoardHeldAnswers, StandForNoLostBlock) {
+    const int first_block = 17;  // among the answers
+    for (int nth = first_block; nth < first_block + 5; ++nth)
+        for (int lost = 2; lost <= 12; ++lost)
+            for (const int ms : {605, 1190}) {
+                SCOPED_TRACE(std::to_string(nth) + " " + std::to_string(lost));
+                HeldRun(nth, ms, {"lose_frame@block:" + std::to_string(lost)}).expect_right();
+                if (testing::Test::HasFailure()) return;
+            }
 }
 
 // The job is right, or it is told to have failed; it always ends.

@@ -1116,14 +1116,16 @@ TEST(DemoNumber, StaysForAChipThatIsNotGood) {
     }
 }
 
-TEST(DemoNumber, StaysForAJobThatIsStoppedAtItsEnd) {
+// The chip is good and has its number.
+TEST(DemoNumber, MovesOnForAJobThatIsStoppedAtItsEnd) {
     NumberedDemoBench bench;
     bench.tick();
     once(
         bench, [&] { return bench.written(0xB1) == 1; }, [&] { com_Demo_Stop(bench.frm); });
     bench.run();
     EXPECT_EQ(bench.written(0xB1), 1);
-    EXPECT_EQ(bench.frm.screen.texAuto_Increase[2].Text, "000098");
+    EXPECT_EQ(bench.frm.screen.texAuto_Increase[2].Text, "000099");
+    EXPECT_EQ(bench.settings.on_disk.at({"Auto_Increase", "next_value"}), "000099");
     EXPECT_TRUE(ends_with(bench.log(), "\r\nOperation is stop. / 操作被停止."));
 }
 

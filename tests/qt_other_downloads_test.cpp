@@ -122,10 +122,10 @@ TEST_F(QtOtherDownloadsTest, TheTabulatorGoesTheWayOfTheEye) {
               (std::vector<std::string>{
                   "com_Demo_DownLoad", "com_Demo_Re_DownLoad", "com_Demo_Stop", "Text1",
                   "cob_DEMO_DownLoad_Baud", "cob_DEMO_DownLoad_Parity",
-                  "cob_DEMO_DownLoad_DataBits", "cob_DEMO_DownLoad_StopBits", "opt_ISP_DEMO_WDT",
-                  "opt_ISP_DEMO_WDT", "comb_WDT", "che_Demo_DownLoad", "txt_DEMO_UserCode",
-                  "cob_DEMO_UserCode_Baud", "cob_DEMO_UserCode_Parity",
-                  "cob_DEMO_UserCode_DataBits", "cob_DEMO_UserCode_StopBits"}));
+                  "cob_DEMO_DownLoad_DataBits", "cob_DEMO_DownLoad_StopBits", "che_Demo_DownLoad",
+                  "txt_DEMO_UserCode", "cob_DEMO_UserCode_Baud", "cob_DEMO_UserCode_Parity",
+                  "cob_DEMO_UserCode_DataBits", "cob_DEMO_UserCode_StopBits", "opt_ISP_DEMO_WDT",
+                  "opt_ISP_DEMO_WDT", "comb_WDT"}));
 }
 
 TEST_F(QtOtherDownloadsTest, TheRestingPlaceTakesTheKeyboardAndIsNoBoxToTypeInto) {

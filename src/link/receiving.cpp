@@ -15,21 +15,13 @@ bool answers_older_request(const frmMain& frm) {
     return gone && port.has_wire() && (port.output_count() > 0 || frm.platform.loop.now() < *gone);
 }
 
+// What comes while a request of the 5A A5 class still leaves the wire answers the one before.
 void take_demo_reply(frmMain& frm, const std::vector<std::uint8_t>& bytes) {
-    switch (gather_demo_reply(frm.link, bytes)) {
-        case Gathered::bad_mark:
-            // Not the output with it: a frame may be on its way.
-            frm.platform.port.clear_input();
-            break;
-        case Gathered::frame:
-            if (answers_older_request(frm))
-                forget_demo_reply(frm.link);
-            else
-                frm.link.open_request.reset();
-            break;
-        default:
-            break;
-    }
+    const SerialPort& port = frm.platform.port;
+    const Gathered gathered = gather_demo_reply(frm.link, bytes);
+    if (gathered == Gathered::bad_mark) reset_receive(frm);
+    if (gathered == Gathered::frame && port.has_wire() && port.output_count() > 0)
+        forget_demo_reply(frm.link);
 }
 
 }  // namespace
