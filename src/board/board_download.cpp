@@ -80,26 +80,13 @@ bool has_second_stage(const frmMain& frm) {
     return by_version && !frm.board.Board_Flag;
 }
 
-void report_board_stop(frmMain& frm) {
-    frm.platform.sounder.beep();
-    report(frm, board_text::stopped);
-}
-
-bool report_silent_board(frmMain& frm) {
-    if (frm.link.stop_requested)
-        report_board_stop(frm);
-    else
-        report(frm, board_text::connect_failed);
-    return false;
-}
-
 // What the job may fill, and by which rules it is laid out.
 bool learn_board(frmMain& frm) {
     const auto& answer = frm.link.rx_copy;
-    if (!board_asked(frm, ask_capacity)) return report_silent_board(frm);
+    if (!board_asked(frm, ask_capacity)) return false;
     frm.board.Board_Capacity = answer[5] * bytes_per_kilobyte;
     frm.board.Board_Flag = answer[4] != 0;
-    if (!board_asked(frm, ask_version)) return report_silent_board(frm);
+    if (!board_asked(frm, ask_version)) return false;
     frm.board.Board_Version = hex_text(answer[4], 2);
     report(frm, board_text::connected);
     return true;
@@ -141,10 +128,7 @@ bool erase_board(frmMain& frm) {
     report(frm, board_text::erasing);
     if (board_asked(frm, erase_all)) return true;
     job_failed(frm, session_text::step_erase);
-    if (frm.link.stop_requested)
-        report_board_stop(frm);
-    else
-        report(frm, board_text::erase_failed);
+    report_stop_or(frm, board_text::erase_failed);
     return false;
 }
 
@@ -209,8 +193,13 @@ bool load_board(frmMain& frm, bool raw) {
     if (!raw && !Board_Check_Limit(frm)) return false;
     job_runs(frm);
     Set_UI_Busy(frm);
-    if (!Board_Connect(frm) || !learn_board(frm)) {
+    if (!Board_Connect(frm)) {
         job_failed(frm, session_text::step_connect);
+        return false;
+    }
+    if (!learn_board(frm)) {
+        job_failed(frm, session_text::step_connect);
+        report_no_board(frm);
         return false;
     }
     return (raw || build_job(frm)) && Board_Transfer(frm, raw);

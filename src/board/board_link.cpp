@@ -118,16 +118,6 @@ void report_version(frmMain& frm) {
     scroll_log_to_end(frm.screen);
 }
 
-void report_failure(frmMain& frm) {
-    if (frm.link.stop_requested) {
-        frm.platform.sounder.beep();
-        report(frm, board_text::stopped);
-    } else {
-        report(frm, board_text::connect_failed);
-    }
-    close_port(frm);
-}
-
 bool send_sector(frmMain& frm, std::span<const std::uint8_t> image, Address_Range sector,
                  bool again) {
     for (const Chunk block : chunks_of(sector, frm.board.Link_Block_Size)) {
@@ -150,6 +140,16 @@ bool send_sector_safely(frmMain& frm, std::span<const std::uint8_t> image, Addre
 }
 
 }  // namespace
+
+void report_stop_or(frmMain& frm, const MessageText& failure) {
+    if (!frm.link.stop_requested) return report(frm, failure);
+    frm.platform.sounder.beep();
+    report(frm, board_text::stopped);
+}
+
+void report_no_board(frmMain& frm) {
+    report_stop_or(frm, board_text::connect_failed);
+}
 
 bool board_answers(frmMain& frm, std::span<const std::uint8_t> frame, std::int32_t timeout_ms) {
     reset_receive(frm);
@@ -203,7 +203,8 @@ bool Board_Connect(frmMain& frm) {
     report(frm, board_text::connecting);
     report(frm, board_text::power_on);
     if (!wake(frm) || !synchronise(frm) || !read_first_version(frm)) {
-        report_failure(frm);
+        report_no_board(frm);
+        close_port(frm);
         return false;
     }
     report_version(frm);

@@ -26,6 +26,11 @@ void leave_board_link(LinkState& link);
 // when it answers; otherwise the operator has been told, and the port is closed.
 bool Board_Connect(frmMain& frm);
 
+// Why a step of the flow ended: the operator's Stop, with one beep, or this failure; the
+// same for a board that doesn't answer.
+void report_stop_or(frmMain& frm, const MessageText& failure);
+void report_no_board(frmMain& frm);
+
 // A command of the board, tried up to so many times of timeout_ms each. True when it was
 // answered and nobody stopped it; the answer is in rx_copy then.
 struct Board_Command {

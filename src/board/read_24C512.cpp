@@ -9,8 +9,6 @@
 #include "board/board_texts.h"
 #include "image/checksum_text.h"
 #include "image/image_files.h"
-#include "image/image_messages.h"
-#include "increase/auto_increase.h"
 #include "link/isp_link.h"
 #include "session/download_session.h"
 #include "session/job_steps.h"
@@ -34,18 +32,6 @@ constexpr std::uint8_t storage_reply = 0x53;
 constexpr std::size_t data_in_reply = 6;
 // The data, its sum of two and the end mark: what is shorter holds less than a page.
 constexpr int shortest_reply = static_cast<int>(data_in_reply) + page_size + 3;
-
-// What comes from the board is no file's: nothing reads one in its place, and no number
-// is counted up in it.
-void take_over_image(frmMain& frm) {
-    Image_Buffer& buffer = frm.images.AP_Buffer;
-    frm.images.Program_File.clear();
-    frm.images.Buffer_Edit_OK = false;
-    frm.screen.Frame7.Caption = image_text::program_caption;
-    Switch_Numbering_Off(frm);
-    ++buffer.Load_Number;
-    Fill_Bytes(0, buffer.Bytes);
-}
 
 bool is_page(const LinkState& link) {
     return reply_length(link) >= shortest_reply && link.rx_copy[3] == storage_reply;
@@ -116,7 +102,9 @@ void read_storage(frmMain& frm) {
         job_failed(frm, session_text::step_read_board);
         return;
     }
-    take_over_image(frm);
+    take_over_image(frm, "24C512");
+    ++frm.images.AP_Buffer.Load_Number;
+    Fill_Bytes(0, frm.images.AP_Buffer.Bytes);
     set_up_bar(frm, {.Min = 0, .Max = pages});
     Show_Progress(frm, Progress::down_load);
     append_message(frm.screen, board_text::reading);

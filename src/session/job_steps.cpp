@@ -3,6 +3,8 @@
 #include <string>
 
 #include "image/image_files.h"
+#include "image/image_messages.h"
+#include "increase/auto_increase.h"
 #include "increase/number_sequence.h"
 #include "link/isp_link.h"
 #include "options/option_schema.h"
@@ -112,6 +114,14 @@ void patch_touched_program_number(frmMain& frm) {
 void patch_touched_data_number(frmMain& frm) {
     if (!frm.increase.Data_Auto_Increase.Active) cheData_Auto_Increase(frm);
     keep_keyboard(frm);
+}
+
+void take_over_image(frmMain& frm, std::string_view source) {
+    frm.images.Program_File.clear();
+    frm.images.Program_Spoilt = false;
+    frm.images.Buffer_Edit_OK = false;
+    Switch_Numbering_Off(frm);
+    frm.screen.Frame7.Caption = std::string(image_text::program_caption) + std::string(source);
 }
 
 void begin_session(frmMain& frm) {

@@ -1,15 +1,12 @@
 #include "session/soft_ice.h"
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "catalogue/mcu_catalogue.h"
 #include "image/image_files.h"
-#include "image/image_messages.h"
 #include "image/readers.h"
-#include "increase/auto_increase.h"
 #include "session/download_session.h"
 #include "session/end_session.h"
 #include "session/job_steps.h"
@@ -63,18 +60,6 @@ bool operator_agrees(frmMain& frm) {
     Dialogs& dialogs = frm.platform.dialogs;
     return dialogs.ask_yes_no(session_text::ask_for_monitor) &&
            dialogs.ask_yes_no(session_text::ask_for_model);
-}
-
-// The image is no file's any more: nothing reads it again, and no number goes into it.
-void take_over_image(frmMain& frm) {
-    Image_Buffer& buffer = frm.images.AP_Buffer;
-    Reset_Buffer(frm, 0, buffer);
-    frm.images.Program_File.clear();
-    frm.images.Program_Spoilt = false;
-    frm.images.Buffer_Edit_OK = false;
-    Switch_Numbering_Off(frm);
-    frm.screen.Frame7.Caption =
-        std::string(image_text::program_caption) + frm.catalogue.SoftICE_File;
 }
 
 // The first bytes of a file, as the reader of binary files takes them; behind a short one
@@ -139,7 +124,8 @@ void comDownSoft_ICE(frmMain& frm) {
     if (!files_ready(frm) || !operator_agrees(frm)) return;
     // The window may have been closed behind the boxes.
     if (frm.link.close_pending) return;
-    take_over_image(frm);
+    Reset_Buffer(frm, 0, frm.images.AP_Buffer);
+    take_over_image(frm, frm.catalogue.SoftICE_File);
     begin_session(frm);
     job_runs(frm);
     if (build_image(frm)) {
