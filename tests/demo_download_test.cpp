@@ -222,6 +222,19 @@ TEST(DemoDownload, DoesNotBeginInAWindowThatCloses) {
     EXPECT_EQ(bench.frm.session.UI_State, 0);
 }
 
+TEST(DemoDownload, RestsTheKeyboardWhileItRuns) {
+    DemoBench bench(isp_target({"lose_reply@connect:1*20"}));
+    bench.frm.screen.Focus_Request = {};
+    bool looked = false;
+    bench.at(500, [&] {
+        looked = bench.frm.session.Running;
+        EXPECT_EQ(bench.frm.screen.Focus_Request, "Text1");
+    });
+    bench.run();
+    EXPECT_TRUE(looked);
+    expect_demo_good(bench);
+}
+
 TEST(DemoDownload, UsesTheChosenPort) {
     DemoBench bench;
     bench.port.plug(3);
@@ -399,6 +412,17 @@ TEST(DemoPort, ThatCantBeOpenedIsTold) {
             EXPECT_FALSE(bench.frm.session.Running);
             EXPECT_FALSE(bench.frm.link.demo_mode);
         }
+}
+
+TEST(DemoPort, ThatTheUserCodeCantOpenIsAFailedConnect) {
+    DemoBench bench;
+    bench.frm.session.Result = Job_Result::done;
+    bench.frm.screen.che_Demo_DownLoad.Value = 1;
+    bench.port.nth_open_error = {{1, 5}};
+    bench.run();
+    expect_demo_over(bench);
+    EXPECT_EQ(bench.frm.session.Result, Job_Result::failed);
+    EXPECT_EQ(bench.frm.session.Failed_Step, "Connect / 连接");
 }
 
 TEST(DemoPort, ThatGoesEndsWithAFailureOrWaitsForStop) {
@@ -606,6 +630,16 @@ TEST(DemoErase, IsNotAnsweredByWhatCameBeforeItWasWritten) {
     bench.run();
     expect_demo_failed(bench, "Erase / 擦除", "Erase application is failed.");
     EXPECT_EQ(bench.written(0xB2), 3);
+}
+
+// Each try was heard and is answered, the first of them late: none of the answers passes
+// for that to what comes behind.
+TEST(DemoErase, IsNotAnsweredByARepeatedVersion) {
+    DemoBench bench(isp_target({"delay@version:1=2500"}));
+    bench.run();
+    expect_demo_good(bench);
+    EXPECT_EQ(bench.target.counters().erases, 1);
+    EXPECT_EQ(bench.target.counters().retried_blocks, 0);
 }
 
 TEST(DemoErase, MayTakeItsTime) {
@@ -1127,6 +1161,31 @@ TEST(DemoNumber, MovesOnForAJobThatIsStoppedAtItsEnd) {
     EXPECT_EQ(bench.frm.screen.texAuto_Increase[2].Text, "000099");
     EXPECT_EQ(bench.settings.on_disk.at({"Auto_Increase", "next_value"}), "000099");
     EXPECT_TRUE(ends_with(bench.log(), "\r\nOperation is stop. / 操作被停止."));
+}
+
+// Nothing comes between the last block and the number behind it.
+TEST(DemoNumber, IsOnTheDiskBeforeTheTargetLeaves) {
+    NumberedDemoBench bench;
+    bench.tick();
+    bool looked = false;
+    once(
+        bench, [&] { return bench.written(0xB1) == 1; },
+        [&] {
+            looked = true;
+            EXPECT_EQ(bench.settings.on_disk.at({"Auto_Increase", "next_value"}), "000099");
+        });
+    bench.run();
+    EXPECT_TRUE(looked);
+    EXPECT_EQ(bench.frm.session.Result, Job_Result::done);
+}
+
+TEST(DemoNumber, ThatTheDiskDoesNotTakeIsTold) {
+    NumberedDemoBench bench;
+    bench.tick();
+    bench.settings.disk_full = true;
+    bench.run();
+    EXPECT_TRUE(bench.log_has("The counter and the next number can not be saved!"));
+    EXPECT_EQ(bench.frm.session.Result, Job_Result::done);
 }
 
 TEST(DemoNumber, StaysWhereTheBoxIsNotTicked) {

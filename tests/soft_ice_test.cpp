@@ -378,6 +378,20 @@ TEST(SoftIceFailure, AtAChipOfAnotherModelErasesNothing) {
     EXPECT_FALSE(bench.frm.images.File_Loaded);
 }
 
+// The questions may stand for minutes.
+TEST(SoftIceFailure, OfAFileThatGoesBehindTheQuestionsProgramsNothing) {
+    SoftIceBench bench;
+    MemoryFile& file = bench.files.files.at(bench.files.folder_of_program + "/VKM58_2003.ROM");
+    bench.at(1, [&file] { file.readable = false; });
+    bench.dialogs.stays = std::chrono::seconds(1);
+    bench.run();
+    EXPECT_EQ(bench.frm.session.Result, Job_Result::failed);
+    ASSERT_FALSE(bench.boxes().empty());
+    EXPECT_NE(bench.boxes().back().text.find("VKM58_2003.ROM"), std::string::npos);
+    EXPECT_FALSE(bench.frm.images.File_Loaded);
+    EXPECT_EQ(bench.port.opens, 0);
+}
+
 TEST(SoftIceFailure, OfThePortIsTold) {
     SoftIceBench bench;
     bench.port.open_error[1] = error_busy;

@@ -241,8 +241,8 @@ void restore_program(frmMain& frm, bool raw) {
 
 Board_Outcome Board_Download(frmMain& frm, bool raw) {
     frm.board.Link_Block_Size = link_block_size;
-    if (!job_is_possible(frm, raw))
-        return frm.images.File_Loaded ? Board_Outcome::failed : Board_Outcome::no_file;
+    const bool loaded = frm.images.File_Loaded;
+    if (!job_is_possible(frm, raw)) return loaded ? Board_Outcome::failed : Board_Outcome::no_file;
     // The window may have been closed behind a box.
     if (frm.link.close_pending) return Board_Outcome::failed;
     const bool good = with_board_frames(frm, raw);

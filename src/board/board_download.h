@@ -5,7 +5,7 @@
 // (board_link.h), the flow, and the reading back of the board's storage. Called by the
 // wiring. Always holds: every way out closes the port and gives the controls back;
 // frames carry the board's CRC (use_crc) inside these flows alone; the program image is
-// behind the loading of a board what it was before.
+// behind the loading of a board what it was when the job was laid out.
 #pragma once
 
 #include "frmMain.h"

@@ -30,11 +30,14 @@ const std::string_view board_help =
     "  numbering and limit. Not the data file, nor its numbering.\r\n"
     "  自动增量: 字节数 1 到 10, 增量 0 到 255, 最后一个编号必须小于 2147483648。\r\n"
     "  Numbering: 1 to 10 bytes, increment 0 to 255, the last number below 2147483648.\r\n"
+    "  新任务请核对第二片的编号。/ Check the number of the second chip of a new job.\r\n"
     "\r\n"
     "3. 读 24C512 / Reading the EEPROM\r\n"
-    "  维修用: 先把缓冲区原样写入脱机下载板(板内任务被覆盖!), 再读回全部 64K 并显示。\r\n"
-    "  For service: writes the buffer to the board as it is (the job in it is lost!) and reads "
-    "all\r\n"
-    "  64 K back into the buffer. 没有打开文件时只读不写。/ Without a file it only reads.";
+    "  维修用: 先把缓冲区 4000 以后的内容写入脱机下载板(板内任务被覆盖!), 再读回全部 64K "
+    "并显示。\r\n"
+    "  For service: writes the buffer from 4000 on to the board (the job in it is lost!) and\r\n"
+    "  reads all 64 K back into the buffer.\r\n"
+    "  没有打开文件时只读不写, 请先给板上电。/ Without a file it only reads: switch the board on "
+    "first.";
 
 }  // namespace vkm

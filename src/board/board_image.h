@@ -5,12 +5,10 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string_view>
 
 #include "catalogue/mcu_record.h"
-#include "image/image_buffer.h"
 #include "options/options_state.h"
 
 namespace vkm {

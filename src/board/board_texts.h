@@ -53,11 +53,14 @@ inline constexpr std::string_view numbers_too_great =
     "请减小自动增量下一值, 或减小增量, 或减小脱机下载板下载数限量";
 // The board has a byte for each of them.
 inline constexpr std::string_view number_too_wide =
-    "脱机下载板的自动增量: 字节数应为 1 到 10, 增量应为 0 到 255。";
+    "脱机下载板的自动增量: 字节数应为 1 到 10, 增量应为 0 到 255。\r\n"
+    "The board counts numbers of 1 to 10 bytes by increments of 0 to 255.";
 inline constexpr MessageText numbering_gone = {
-    "The file was read again, which switched the numbering off. Please enable it again.",
-    "已重新打开文件, 自动增量因此关闭, 请重新启用。\r\n"
-    "The file was read again, which switched the numbering off. Please enable it again."};
+    "The file was read again, which switched the numbering off. Untick 每次下载前重新打开文件, "
+    "then enable the numbering.",
+    "已重新打开文件, 自动增量因此关闭。请取消“每次下载前重新打开文件”, 再启用自动增量。\r\n"
+    "The file was read again, which switched the numbering off.\r\n"
+    "Untick 每次下载前重新打开文件, then enable the numbering."};
 // Between the pieces the address, in hexadecimal.
 inline constexpr std::string_view code_left_out[] = {
     "The program from address ",

@@ -1,7 +1,7 @@
 // Reading the board's EEPROM back into the program image.
 #include <algorithm>
 #include <numeric>
-#include <string>
+#include <span>
 
 #include "board/board_download.h"
 #include "board/board_frames.h"

@@ -4,7 +4,8 @@
 // waits for them, and everything up to a chip that is identified and talks at
 // its final baud (handshake.h, baud_exchange.h). Called by the session flows and
 // the board. Always holds: half duplex, one request then one answer; flags are
-// cleared before a frame is written, never after; no answer is taken before its
+// cleared before a frame is written (of the 5A A5 class in the same turn), never later;
+// no answer is taken before its
 // request has left the wire, unless it is a repeat; what answers an earlier try
 // doesn't pass for the answer to another request; nothing is retransmitted here.
 // A failure is a result of -1 or false, never a text, except in the handshake.

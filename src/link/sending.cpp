@@ -1,5 +1,5 @@
-// Sending: every operation clears its flags before it writes, never after, since
-// the receive handler may run between any two of its steps that wait.
+// Sending: every operation clears its flags before it writes, or in the same turn, and never
+// later, since the receive handler may run between any two of its steps that wait.
 #include "link/frames.h"
 #include "link/isp_link.h"
 #include "link/reply_gathering.h"

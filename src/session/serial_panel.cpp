@@ -1,6 +1,7 @@
 #include "session/serial_panel.h"
 
 #include "link/isp_link.h"
+#include "link/link_texts.h"
 #include "session/session_report.h"
 #include "session/session_texts.h"
 #include "waiting/waiting.h"

@@ -65,7 +65,8 @@ inline constexpr MessageText demo_verify_ok = {"Verify  OK ( Total: ",
 
 // ---- the debug monitor in place of the boot firmware ----
 inline constexpr std::string_view monitor_file_missing = "找不到文件 ";
-inline constexpr std::string_view monitor_file_empty[] = {"文件 ", " 是空的, 或无法读取。"};
+inline constexpr std::string_view monitor_file_empty[] = {
+    "文件 ", " 是空的, 或无法读取。\r\nThe file is empty or can not be read."};
 inline constexpr std::string_view ask_for_monitor =
     "Write SoftICE program, the DownLoad Code will be erased!\r\n"
     " Chinese: 烧录 SoftICE 程序, 将会删除下载引导码。\r\n"

@@ -1,5 +1,6 @@
 #include "session/soft_ice.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
