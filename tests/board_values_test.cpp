@@ -12,6 +12,7 @@
 #include "board_storage.h"
 #include "catalogue/model_lookup.h"
 #include "catalogue/model_table.h"
+#include "image/image_buffer.h"
 
 namespace vkm::test {
 namespace {
