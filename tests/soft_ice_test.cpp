@@ -196,13 +196,13 @@ const Trouble troubles[] = {
      },
      "找不到文件 VKM2000.rom."},
     {"empty start", [](SoftIceBench& b) { b.files.add(start_path, ""); },
-     "文件 VKM2000.rom 是空的, 或无法读取。"},
+     "文件 VKM2000.rom 是空的, 或无法读取。\r\nThe file is empty or can not be read."},
     {"empty monitor", [](SoftIceBench& b) { b.files.add(b.monitor_path(), ""); },
-     "文件 VKM58_2003.ROM 是空的, 或无法读取。"},
+     "文件 VKM58_2003.ROM 是空的, 或无法读取。\r\nThe file is empty or can not be read."},
     {"locked start", [](SoftIceBench& b) { b.files.files[start_path].readable = false; },
-     "文件 VKM2000.rom 是空的, 或无法读取。"},
+     "文件 VKM2000.rom 是空的, 或无法读取。\r\nThe file is empty or can not be read."},
     {"locked monitor", [](SoftIceBench& b) { b.files.files[b.monitor_path()].readable = false; },
-     "文件 VKM58_2003.ROM 是空的, 或无法读取。"},
+     "文件 VKM58_2003.ROM 是空的, 或无法读取。\r\nThe file is empty or can not be read."},
 };
 
 TEST(SoftIceFiles, ThatAreMissingOrEmptyAreToldBeforeAnyQuestion) {
