@@ -33,14 +33,15 @@ constexpr std::int32_t bytes_per_kilobyte = 1024;
 constexpr std::uint8_t link_check = 0x80;
 constexpr std::uint8_t version_command = 0x0C;
 
-// The code of this answer isn't told. One that names another command is a late one to that,
-// and one that ends before the capacity tells none.
+// Boards answer with a code of their own here. A late answer to an acknowledged command ends
+// before the capacity, and one that tells the version says so.
+constexpr int shortest_capacity = 9;  // with flag and capacity
+constexpr int shortest_version = 8;
 bool tells_capacity(const LinkState& link) {
-    return reply_length(link) >= 9 && link.rx_copy[3] != link_check &&
-           link.rx_copy[3] != version_command;
+    return reply_length(link) >= shortest_capacity && link.rx_copy[3] != version_command;
 }
 bool tells_version(const LinkState& link) {
-    return reply_length(link) >= 8 && link.rx_copy[3] == version_command;
+    return reply_length(link) >= shortest_version && link.rx_copy[3] == version_command;
 }
 
 constexpr Board_Command ask_capacity = {
