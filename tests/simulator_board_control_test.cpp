@@ -21,11 +21,11 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-sim::BoardArgumentsRead read_board(std::vector<const char*> words) {
+sim::ArgumentsRead<sim::BoardArguments> read_board(std::vector<const char*> words) {
     return sim::read_board_arguments(words);
 }
 
-sim::IspArgumentsRead read_isp(std::vector<const char*> words) {
+sim::ArgumentsRead<sim::IspArguments> read_isp(std::vector<const char*> words) {
     return sim::read_isp_arguments(words);
 }
 

@@ -23,7 +23,7 @@ using sim::TargetArguments;
 
 // ---- arguments ---------------------------------------------------------------------
 
-sim::TargetArgumentsRead read(std::vector<const char*> words) {
+sim::ArgumentsRead<sim::TargetArguments> read(std::vector<const char*> words) {
     return sim::read_target_arguments(words);
 }
 

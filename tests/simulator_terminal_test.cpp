@@ -6,12 +6,12 @@
 #include <filesystem>
 #include <fstream>
 
+#include "pseudo_terminal/flash_file.h"
 #include "pseudo_terminal/paced_line.h"
 #include "simulator_driver.h"
 #include "vkm_chip/chip_arguments.h"
 #include "vkm_chip/chip_control.h"
 #include "vkm_chip/chip_reports.h"
-#include "pseudo_terminal/flash_file.h"
 
 namespace vkm::test {
 namespace {
@@ -194,7 +194,7 @@ TEST(PacedLine, CarriesAWholeConversationWithAChip) {
 
 // ---- arguments ---------------------------------------------------------------------
 
-sim::ArgumentsRead read(std::vector<const char*> words) {
+sim::ArgumentsRead<sim::ChipArguments> read(std::vector<const char*> words) {
     return sim::read_arguments(words);
 }
 

@@ -69,6 +69,20 @@ std::string apply_options(const OptionGroup<Arguments> (&groups)[N],
     return {};
 }
 
+template <typename Arguments>
+struct ArgumentsRead {
+    Arguments arguments;
+    std::string error;  // empty when all is well
+};
+
+template <typename Arguments, std::size_t N>
+ArgumentsRead<Arguments> read_options(const OptionGroup<Arguments> (&groups)[N],
+                                      std::span<const char* const> words) {
+    ArgumentsRead<Arguments> read;
+    read.error = apply_options(groups, words, read.arguments);
+    return read;
+}
+
 // One line for each option.
 template <typename Arguments>
 std::string options_help(const OptionGroup<Arguments>& group) {

@@ -3,7 +3,10 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "simulators/value_forms.h"
 
@@ -25,6 +28,13 @@ inline bool set_hex_byte(std::string_view text, std::uint8_t& byte) {
     const auto read = parse_hex(text, 0xFF);
     if (read) byte = static_cast<std::uint8_t>(*read);
     return read.has_value();
+}
+
+// Of an option that may be told several times.
+template <typename Value>
+bool append_told(std::vector<Value>& list, std::optional<Value> value) {
+    if (value) list.push_back(*std::move(value));
+    return value.has_value();
 }
 
 }  // namespace vkm::sim

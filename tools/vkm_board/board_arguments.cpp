@@ -54,9 +54,7 @@ const Option<BoardArguments> board_options[] = {
      }},
     {"--fault", "FAULT", "does something wrong, see below; may be told several times",
      [](A& a, std::string_view v) {
-         const auto fault = parse_fault_on<BoardFrame>(v);
-         if (fault) a.config.faults.push_back(*fault);
-         return fault.has_value();
+         return append_told(a.config.faults, parse_fault_on<BoardFrame>(v));
      }},
 };
 
@@ -103,16 +101,12 @@ constexpr std::string_view help_tail =
 
 }  // namespace
 
-std::string_view board_usage() {
-    static const std::string text =
-        std::string(help_head) + options_help(all_options) + std::string(help_tail);
-    return text;
+std::string board_usage() {
+    return std::string(help_head) + options_help(all_options) + std::string(help_tail);
 }
 
-BoardArgumentsRead read_board_arguments(std::span<const char* const> words) {
-    BoardArgumentsRead read;
-    read.error = apply_options(all_options, words, read.arguments);
-    return read;
+ArgumentsRead<BoardArguments> read_board_arguments(std::span<const char* const> words) {
+    return read_options(all_options, words);
 }
 
 }  // namespace vkm::sim

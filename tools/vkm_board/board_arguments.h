@@ -20,13 +20,8 @@ struct BoardArguments : ProgramArguments {
     ChipConfig chip;                           // in its socket
 };
 
-struct BoardArgumentsRead {
-    BoardArguments arguments;
-    std::string error;  // empty when all is well
-};
+ArgumentsRead<BoardArguments> read_board_arguments(std::span<const char* const> words);
 
-BoardArgumentsRead read_board_arguments(std::span<const char* const> words);
-
-std::string_view board_usage();
+std::string board_usage();
 
 }  // namespace vkm::sim

@@ -5,15 +5,12 @@
 #include <utility>
 
 #include "pseudo_terminal/command_line.h"
-#include "pseudo_terminal/flash_file.h"
 #include "pseudo_terminal/stretch.h"
+#include "pseudo_terminal/target_commands.h"
 #include "simulators/board_programmer.h"
-#include "simulators/bounded_list.h"
 
 namespace vkm::sim {
 namespace {
-
-constexpr std::size_t most_faults = 500;
 
 std::string power(BoardBench& bench, std::string_view argument) {
     if (argument == "on")
@@ -27,12 +24,6 @@ std::string power(BoardBench& bench, std::string_view argument) {
 
 std::span<const std::uint8_t> stored(const BoardBench& bench) {
     return std::as_const(bench.board).storage();
-}
-
-std::string save(BoardBench& bench, std::string_view argument) {
-    const std::string path(argument);
-    if (path.empty() || !save_flash(path, stored(bench))) return "error can't write " + path;
-    return "ok " + std::to_string(stored(bench).size()) + " bytes";
 }
 
 std::string ranges_text(const std::vector<WrittenRange>& ranges) {
@@ -64,13 +55,6 @@ std::string tell_counters(BoardBench& bench, std::string_view) {
            " replies=" + number(counters.replies);
 }
 
-std::string tell_faults(BoardBench& bench, std::string_view) {
-    std::string text = "ok";
-    for (const std::string& fault : bench.faults) text += " [" + fault + "]";
-    bench.faults.clear();
-    return text;
-}
-
 // At once, whatever time the chip believes to have passed.
 std::string program(BoardBench& bench, std::string_view) {
     const Instant start = std::max(bench.now, bench.socket_free);
@@ -99,21 +83,15 @@ std::string tell_options(BoardBench& bench, std::string_view) {
     return text;
 }
 
-std::string add_fault(BoardBench& bench, std::string_view argument) {
-    const auto fault = parse_fault_on<BoardFrame>(argument);
-    if (!fault) return "error no such fault: " + std::string(argument);
-    bench.board.add_fault(*fault);
-    return "ok";
-}
-
 constexpr Command<BoardBench> commands[] = {
     {"power", power},
     {"storage", [](BoardBench& bench,
                    std::string_view argument) { return tell_stretch(stored(bench), argument); }},
-    {"save", save},
+    {"save", [](BoardBench& bench,
+                std::string_view argument) { return save_memory(stored(bench), argument); }},
     {"ranges", tell_ranges},
     {"counters", tell_counters},
-    {"faults", tell_faults},
+    {"faults", [](BoardBench& bench, std::string_view) { return bench.objections.answer(); }},
     {"program", program},
     {"new", fresh_chip},
     {"chip-flash",
@@ -121,12 +99,11 @@ constexpr Command<BoardBench> commands[] = {
          return tell_stretch(bench.chip.flash(), argument);
      }},
     {"chip-options", tell_options},
-    {"fault", add_fault},
-    {"no-faults",
-     [](BoardBench& bench, std::string_view) {
-         bench.board.forget_faults();
-         return std::string("ok");
+    {"fault",
+     [](BoardBench& bench, std::string_view argument) {
+         return plan_fault(bench.board, parse_fault_on<BoardFrame>, argument);
      }},
+    {"no-faults", [](BoardBench& bench, std::string_view) { return forget_faults(bench.board); }},
 };
 
 // What is worth a line of a frame that came in.
@@ -156,10 +133,8 @@ std::vector<std::string> BoardBench::news() {
     }
     for (const PortEntry<BoardFrame>& entry : board.take_log())
         if (std::string text = frame_text(entry); !text.empty()) lines.push_back(std::move(text));
-    for (std::string& fault : board.take_faults()) {
-        lines.push_back("objection " + fault);
-        append_bounded(faults, std::move(fault), most_faults);
-    }
+    for (std::string& fault : board.take_faults())
+        lines.push_back(objections.note(std::move(fault)));
     return lines;
 }
 

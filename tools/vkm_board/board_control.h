@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "pseudo_terminal/objections.h"
 #include "simulators/simulated_board.h"
 #include "simulators/simulated_chip.h"
 
@@ -15,9 +16,9 @@ struct BoardBench {
     SimulatedBoard& board;
     SimulatedChip& chip;  // in its socket
     Instant now{};
-    Instant socket_free{};              // the chip has its own time, which runs ahead
-    std::vector<std::string> faults{};  // not yet asked for
-    bool powered = false;               // as was told last
+    Instant socket_free{};  // the chip has its own time, which runs ahead
+    Objections objections{};
+    bool powered = false;  // as was told last
 
     // The line to answer, "ok ..." or "error ...".
     std::string carry_out(std::string_view command, Instant at);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "pseudo_terminal/flash_file.h"
+#include "pseudo_terminal/program_start.h"
 #include "pseudo_terminal/target_program.h"
 #include "vkm_board/board_arguments.h"
 #include "vkm_board/board_control.h"
@@ -26,30 +27,13 @@ int run(BoardArguments arguments) {
     arguments.chip.powered_at = never;
     SimulatedBoard board(arguments.config);
     SimulatedChip chip(arguments.chip);
-    arguments.program.name = "vkm-board";
     TargetProgram program(board.target(), arguments.program);
     BoardBench bench{board, chip};
-    ProgramWork work;
-    work.command = [&](std::string_view command, Instant now) {
-        return bench.carry_out(command, now);
-    };
-    work.turned = [&](Instant) {
-        for (const std::string& line : bench.news()) program.tell(line);
-    };
-    return program.run(work);
+    return program.run(work_at(bench, program));
 }
 
 int start(std::span<const char* const> words) {
-    auto [arguments, error] = read_board_arguments(words);
-    if (!error.empty()) {
-        std::fprintf(stderr, "vkm-board: %s; --help tells what there is\n", error.c_str());
-        return 2;
-    }
-    if (arguments.help) {
-        std::fwrite(board_usage().data(), 1, board_usage().size(), stdout);
-        return 0;
-    }
-    return run(std::move(arguments));
+    return start_program("vkm-board", read_board_arguments(words), board_usage, run);
 }
 
 }  // namespace

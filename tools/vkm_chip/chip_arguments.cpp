@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "pseudo_terminal/timed_values.h"
 #include "simulators/simulated_chip.h"
 #include "simulators/value_forms.h"
 
@@ -189,9 +190,7 @@ const Option<ChipArguments> options[] = {
      [](ChipArguments& a, std::string_view v) { return set_after_start(a, v, true); }},
     {"--fault", "FAULT", "does something wrong, see below; may be told several times",
      [](ChipArguments& a, std::string_view v) {
-         const auto fault = parse_fault(v);
-         if (fault) a.config.faults.push_back(*fault);
-         return fault.has_value();
+         return append_told(a.config.faults, parse_fault(v));
      }},
     {"--load-flash", "FILE", "what the flash holds at the start",
      [](ChipArguments& a, std::string_view v) {
@@ -254,10 +253,8 @@ constexpr std::string_view help_tail =
 
 }  // namespace
 
-std::string_view usage() {
-    static const std::string text =
-        std::string(help_head) + options_help(all_options) + std::string(help_tail);
-    return text;
+std::string usage() {
+    return std::string(help_head) + options_help(all_options) + std::string(help_tail);
 }
 
 std::optional<double> parse_clock(std::string_view text) {
@@ -276,10 +273,8 @@ std::optional<int> parse_version(std::string_view text) {
     return digits->front();
 }
 
-ArgumentsRead read_arguments(std::span<const char* const> words) {
-    ArgumentsRead read;
-    read.error = apply_options(all_options, words, read.arguments);
-    return read;
+ArgumentsRead<ChipArguments> read_arguments(std::span<const char* const> words) {
+    return read_options(all_options, words);
 }
 
 }  // namespace vkm::sim

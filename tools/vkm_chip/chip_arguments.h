@@ -20,14 +20,9 @@ struct ChipArguments : ProgramArguments {
     bool list_models = false;
 };
 
-struct ArgumentsRead {
-    ChipArguments arguments;
-    std::string error;  // empty when all is well
-};
+ArgumentsRead<ChipArguments> read_arguments(std::span<const char* const> arguments);
 
-ArgumentsRead read_arguments(std::span<const char* const> arguments);
-
-std::string_view usage();
+std::string usage();
 
 // Forms of values, which commands use as well. Nothing when the text has another form.
 std::optional<double> parse_clock(std::string_view text);  // Hz: "11059200", "11.0592M"

@@ -4,6 +4,7 @@
 
 #include "pseudo_terminal/command_line.h"
 #include "pseudo_terminal/flash_file.h"
+#include "pseudo_terminal/target_commands.h"
 #include "simulators/value_forms.h"
 #include "vkm_chip/chip_reports.h"
 
@@ -27,19 +28,6 @@ std::string fresh_chip(ChipBench& bench, std::string_view) {
     return "ok";
 }
 
-std::string add_fault(ChipBench& bench, std::string_view argument) {
-    const auto fault = parse_fault(argument);
-    if (!fault) return "error no such fault: " + std::string(argument);
-    bench.chip.add_fault(*fault);
-    return "ok";
-}
-
-std::string write_flash(ChipBench& bench, std::string_view argument) {
-    const std::string path(argument);
-    if (path.empty() || !save_flash(path, bench.chip.flash())) return "error can't write " + path;
-    return "ok " + std::to_string(bench.chip.flash().size()) + " bytes";
-}
-
 std::string fill_flash(ChipBench& bench, std::string_view argument) {
     const auto bytes = load_flash(std::string(argument), bench.chip.flash().size());
     if (!bytes) return "error can't read " + std::string(argument);
@@ -60,13 +48,13 @@ constexpr Command<ChipBench> commands[] = {
      }},
     {"cycle", cycle},
     {"new", fresh_chip},
-    {"fault", add_fault},
-    {"no-faults",
-     [](ChipBench& bench, std::string_view) {
-         bench.chip.forget_faults();
-         return std::string("ok");
+    {"fault",
+     [](ChipBench& bench, std::string_view argument) {
+         return plan_fault(bench.chip, parse_fault, argument);
      }},
-    {"flash", write_flash},
+    {"no-faults", [](ChipBench& bench, std::string_view) { return forget_faults(bench.chip); }},
+    {"flash", [](ChipBench& bench,
+                 std::string_view argument) { return save_memory(bench.chip.flash(), argument); }},
     {"load", fill_flash},
     {"options",
      [](ChipBench& bench, std::string_view) { return "ok " + options_text(bench.chip); }},

@@ -6,6 +6,7 @@
 
 #include "catalogue/model_table.h"
 #include "pseudo_terminal/flash_file.h"
+#include "pseudo_terminal/program_start.h"
 #include "pseudo_terminal/target_program.h"
 #include "simulators/simulated_chip.h"
 #include "vkm_chip/chip_arguments.h"
@@ -29,7 +30,20 @@ void keep_flash(const SimulatedChip& chip, const std::string& path, TargetProgra
     program.tell((saved ? "saved " : "error can't write ") + path);
 }
 
-int run(const ChipArguments& arguments) {
+void list_models() {
+    for (const ModelGroup& group : MCU_AP_ISP_range)
+        for (const ModelRow& row : group.rows)
+            if (&group != &MCU_AP_ISP_range[older_54xx_group])
+                std::printf("%.*s\n", static_cast<int>(row.MCU_Name.size()), row.MCU_Name.data());
+}
+
+int run(ChipArguments arguments) {
+    if (arguments.list_models) {
+        list_models();
+        return 0;
+    }
+    arguments.config.powered_at =
+        arguments.power_by_hand ? never : now_instant() + arguments.power_after;
     SimulatedChip chip(arguments.config);
     if (!fill_flash(chip, arguments.load_flash)) {
         std::fprintf(stderr, "vkm-chip: %s: can't be read\n", arguments.load_flash.c_str());
@@ -58,32 +72,8 @@ int run(const ChipArguments& arguments) {
     return status;
 }
 
-void list_models() {
-    for (const ModelGroup& group : MCU_AP_ISP_range)
-        for (const ModelRow& row : group.rows)
-            if (&group != &MCU_AP_ISP_range[older_54xx_group])
-                std::printf("%.*s\n", static_cast<int>(row.MCU_Name.size()), row.MCU_Name.data());
-}
-
 int start(std::span<const char* const> words) {
-    ArgumentsRead read = read_arguments(words);
-    if (!read.error.empty()) {
-        std::fprintf(stderr, "vkm-chip: %s; --help tells what there is\n", read.error.c_str());
-        return 2;
-    }
-    ChipArguments& arguments = read.arguments;
-    if (arguments.help) {
-        std::fwrite(usage().data(), 1, usage().size(), stdout);
-        return 0;
-    }
-    if (arguments.list_models) {
-        list_models();
-        return 0;
-    }
-    arguments.program.name = "vkm-chip";
-    arguments.config.powered_at =
-        arguments.power_by_hand ? never : now_instant() + arguments.power_after;
-    return run(arguments);
+    return start_program("vkm-chip", read_arguments(words), usage, run);
 }
 
 }  // namespace

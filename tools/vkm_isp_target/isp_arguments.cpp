@@ -63,9 +63,7 @@ const Option<IspArguments> isp_options[] = {
      }},
     {"--fault", "FAULT", "does something wrong, see below; may be told several times",
      [](A& a, std::string_view v) {
-         const auto fault = parse_fault_on<IspFrame>(v);
-         if (fault) a.config.faults.push_back(*fault);
-         return fault.has_value();
+         return append_told(a.config.faults, parse_fault_on<IspFrame>(v));
      }},
 };
 
@@ -108,16 +106,12 @@ constexpr std::string_view help_tail =
 
 }  // namespace
 
-std::string_view isp_usage() {
-    static const std::string text =
-        std::string(help_head) + options_help(all_options) + std::string(help_tail);
-    return text;
+std::string isp_usage() {
+    return std::string(help_head) + options_help(all_options) + std::string(help_tail);
 }
 
-IspArgumentsRead read_isp_arguments(std::span<const char* const> words) {
-    IspArgumentsRead read;
-    read.error = apply_options(all_options, words, read.arguments);
-    return read;
+ArgumentsRead<IspArguments> read_isp_arguments(std::span<const char* const> words) {
+    return read_options(all_options, words);
 }
 
 }  // namespace vkm::sim

@@ -14,13 +14,8 @@ struct IspArguments : ProgramArguments {
     IspConfig config;
 };
 
-struct IspArgumentsRead {
-    IspArguments arguments;
-    std::string error;  // empty when all is well
-};
+ArgumentsRead<IspArguments> read_isp_arguments(std::span<const char* const> words);
 
-IspArgumentsRead read_isp_arguments(std::span<const char* const> words);
-
-std::string_view isp_usage();
+std::string isp_usage();
 
 }  // namespace vkm::sim

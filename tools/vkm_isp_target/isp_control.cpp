@@ -4,20 +4,11 @@
 #include <utility>
 
 #include "pseudo_terminal/command_line.h"
-#include "pseudo_terminal/flash_file.h"
 #include "pseudo_terminal/stretch.h"
-#include "simulators/bounded_list.h"
+#include "pseudo_terminal/target_commands.h"
 
 namespace vkm::sim {
 namespace {
-
-constexpr std::size_t most_faults = 500;
-
-std::string save(IspBench& bench, std::string_view argument) {
-    const std::string path(argument);
-    if (path.empty() || !save_flash(path, bench.target.flash())) return "error can't write " + path;
-    return "ok " + std::to_string(bench.target.flash().size()) + " bytes";
-}
 
 std::string tell_counters(IspBench& bench, std::string_view) {
     const IspCounters& counters = bench.target.counters();
@@ -31,22 +22,8 @@ std::string tell_counters(IspBench& bench, std::string_view) {
            " replies=" + number(counters.replies);
 }
 
-std::string tell_faults(IspBench& bench, std::string_view) {
-    std::string text = "ok";
-    for (const std::string& fault : bench.faults) text += " [" + fault + "]";
-    bench.faults.clear();
-    return text;
-}
-
 std::string next(IspBench& bench, std::string_view) {
     bench.target.replace(bench.now);
-    return "ok";
-}
-
-std::string add_fault(IspBench& bench, std::string_view argument) {
-    const auto fault = parse_fault_on<IspFrame>(argument);
-    if (!fault) return "error no such fault: " + std::string(argument);
-    bench.target.add_fault(*fault);
     return "ok";
 }
 
@@ -55,16 +32,16 @@ constexpr Command<IspBench> commands[] = {
      [](IspBench& bench, std::string_view argument) {
          return tell_stretch(bench.target.flash(), argument);
      }},
-    {"save", save},
+    {"save", [](IspBench& bench,
+                std::string_view argument) { return save_memory(bench.target.flash(), argument); }},
     {"counters", tell_counters},
-    {"faults", tell_faults},
+    {"faults", [](IspBench& bench, std::string_view) { return bench.objections.answer(); }},
     {"next", next},
-    {"fault", add_fault},
-    {"no-faults",
-     [](IspBench& bench, std::string_view) {
-         bench.target.forget_faults();
-         return std::string("ok");
+    {"fault",
+     [](IspBench& bench, std::string_view argument) {
+         return plan_fault(bench.target, parse_fault_on<IspFrame>, argument);
      }},
+    {"no-faults", [](IspBench& bench, std::string_view) { return forget_faults(bench.target); }},
 };
 
 std::string frame_text(const PortEntry<IspFrame>& entry) {
@@ -87,10 +64,8 @@ std::vector<std::string> IspBench::news() {
     std::vector<std::string> lines;
     for (const PortEntry<IspFrame>& entry : target.take_log())
         if (!entry.answer) lines.push_back(frame_text(entry));
-    for (std::string& fault : target.take_faults()) {
-        lines.push_back("objection " + fault);
-        append_bounded(faults, std::move(fault), most_faults);
-    }
+    for (std::string& fault : target.take_faults())
+        lines.push_back(objections.note(std::move(fault)));
     if (awake != target.awake()) {
         awake = target.awake();
         lines.push_back(awake ? "awake" : "asleep");

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "pseudo_terminal/objections.h"
 #include "simulators/simulated_isp_program.h"
 
 namespace vkm::sim {
@@ -13,8 +14,8 @@ namespace vkm::sim {
 struct IspBench {
     SimulatedIspProgram& target;
     Instant now{};
-    std::vector<std::string> faults{};  // not yet asked for
-    bool awake = false;                 // as was told last
+    Objections objections{};
+    bool awake = false;  // as was told last
 
     // The line to answer, "ok ..." or "error ...".
     std::string carry_out(std::string_view command, Instant at);

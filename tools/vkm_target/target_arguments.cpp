@@ -150,11 +150,7 @@ const Option<TargetArguments> stopped_options[] = {
     {"--text-behind", "TEXT", "said directly behind the last",
      [](A& a, std::string_view v) { return set_text(v, a.stopped.text_behind); }},
     {"--fault", "FAULT", "does something wrong, see below; may be told several times",
-     [](A& a, std::string_view v) {
-         const auto fault = parse_dump_fault(v);
-         if (fault) a.stopped.faults.push_back(*fault);
-         return fault.has_value();
-     }},
+     [](A& a, std::string_view v) { return append_told(a.stopped.faults, parse_dump_fault(v)); }},
 };
 
 const OptionGroup<TargetArguments> all_options[] = {{"", kind_options},
@@ -200,10 +196,8 @@ constexpr std::string_view help_tail =
 
 }  // namespace
 
-std::string_view target_usage() {
-    static const std::string text =
-        std::string(help_head) + options_help(all_options) + std::string(help_tail);
-    return text;
+std::string target_usage() {
+    return std::string(help_head) + options_help(all_options) + std::string(help_tail);
 }
 
 std::optional<BurstKind> parse_burst_kind(std::string_view text) {
@@ -245,9 +239,8 @@ std::optional<Dump> parse_dump(std::string_view text) {
     return std::nullopt;
 }
 
-TargetArgumentsRead read_target_arguments(std::span<const char* const> words) {
-    TargetArgumentsRead read;
-    read.error = apply_options(all_options, words, read.arguments);
+ArgumentsRead<TargetArguments> read_target_arguments(std::span<const char* const> words) {
+    ArgumentsRead<TargetArguments> read = read_options(all_options, words);
     if (!read.error.empty() || read.arguments.help) return read;
     if (read.arguments.kind == TargetArguments::Kind::none)
         read.error = "either --talk or --monitor has to be told";

@@ -22,14 +22,9 @@ struct TargetArguments : ProgramArguments {
     BurstKind burst_kind = BurstKind::text;  // of the next burst
 };
 
-struct TargetArgumentsRead {
-    TargetArguments arguments;
-    std::string error;  // empty when all is well
-};
+ArgumentsRead<TargetArguments> read_target_arguments(std::span<const char* const> words);
 
-TargetArgumentsRead read_target_arguments(std::span<const char* const> words);
-
-std::string_view target_usage();
+std::string target_usage();
 
 // Forms of values, which commands use as well. Nothing when the text has another form.
 std::optional<BurstKind> parse_burst_kind(std::string_view text);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "pseudo_terminal/command_line.h"
+#include "pseudo_terminal/target_commands.h"
 #include "simulators/byte_values.h"
 #include "simulators/value_forms.h"
 #include "vkm_target/target_arguments.h"
@@ -72,15 +73,11 @@ std::string tell_commands(StoppedBench& bench, std::string_view) {
 }
 
 std::string add_fault(StoppedBench& bench, std::string_view argument) {
-    const auto fault = parse_dump_fault(argument);
-    if (!fault) return "error no such fault: " + std::string(argument);
-    bench.target.add_fault(*fault);
-    return "ok";
+    return plan_fault(bench.target, parse_dump_fault, argument);
 }
 
-std::string forget_faults(StoppedBench& bench, std::string_view) {
-    bench.target.forget_faults();
-    return "ok";
+std::string drop_faults(StoppedBench& bench, std::string_view) {
+    return forget_faults(bench.target);
 }
 
 std::string tell_state(StoppedBench& bench, std::string_view) {
@@ -105,7 +102,7 @@ constexpr Command<StoppedBench> stopped_commands[] = {{"say", say_text},
                                                       {"set", set_memory},
                                                       {"commands", tell_commands},
                                                       {"fault", add_fault},
-                                                      {"no-faults", forget_faults},
+                                                      {"no-faults", drop_faults},
                                                       {"state", tell_state}};
 
 }  // namespace
