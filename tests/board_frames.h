@@ -2,14 +2,13 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 #include <numeric>
 #include <span>
-#include <vector>
+#include <utility>
+
+#include "frame_bytes.h"
 
 namespace vkm::test {
-
-using Bytes = std::vector<std::uint8_t>;
 
 inline std::uint16_t crc_modbus(std::span<const std::uint8_t> bytes) {
     unsigned crc = 0xFFFF;
@@ -40,21 +39,13 @@ inline Bytes board_read(unsigned address) {
 }
 
 inline Bytes board_block(unsigned address, const Bytes& data, int flag = 0) {
-    const auto n = data.size();
-    Bytes frame = {0x46,
-                   0xB9,
-                   0x6A,
-                   static_cast<std::uint8_t>((n + 13) >> 8),
-                   static_cast<std::uint8_t>(n + 13),
-                   static_cast<std::uint8_t>(flag),
-                   0x00,
-                   0x00,
-                   static_cast<std::uint8_t>(address >> 8),
-                   static_cast<std::uint8_t>(address),
-                   static_cast<std::uint8_t>(n >> 8),
-                   static_cast<std::uint8_t>(n)};
-    frame.insert(frame.end(), data.begin(), data.end());
-    return ended_with_crc(std::move(frame));
+    const auto n = static_cast<std::uint32_t>(data.size());
+    return ended_with_crc(joined({{0x46, 0xB9, 0x6A},
+                                  big_endian(n + 13, 2),
+                                  {static_cast<std::uint8_t>(flag), 0x00, 0x00},
+                                  big_endian(address, 2),
+                                  big_endian(n, 2),
+                                  data}));
 }
 
 inline Bytes ended_with_sum(Bytes frame) {
@@ -69,20 +60,13 @@ inline Bytes isp_command(int command) {
 }
 
 inline Bytes isp_block(unsigned address, const Bytes& data, int command = 0xB3) {
-    const auto n = data.size();
-    Bytes frame = {0x5A,
-                   0xA5,
-                   static_cast<std::uint8_t>((n + 14) >> 8),
-                   static_cast<std::uint8_t>(n + 14),
-                   static_cast<std::uint8_t>(command),
-                   static_cast<std::uint8_t>(address >> 24),
-                   static_cast<std::uint8_t>(address >> 16),
-                   static_cast<std::uint8_t>(address >> 8),
-                   static_cast<std::uint8_t>(address),
-                   static_cast<std::uint8_t>(n >> 8),
-                   static_cast<std::uint8_t>(n)};
-    frame.insert(frame.end(), data.begin(), data.end());
-    return ended_with_sum(std::move(frame));
+    const auto n = static_cast<std::uint32_t>(data.size());
+    return ended_with_sum(joined({{0x5A, 0xA5},
+                                  big_endian(n + 14, 2),
+                                  {static_cast<std::uint8_t>(command)},
+                                  big_endian(address, 4),
+                                  big_endian(n, 2),
+                                  data}));
 }
 
 inline Bytes counting(std::size_t count, unsigned first = 0) {

@@ -7,6 +7,7 @@
 #include "board_frames.h"
 #include "simulators/byte_values.h"
 #include "simulators/simulated_board.h"
+#include "struck_frames.h"
 #include "target_driver.h"
 
 namespace vkm::test {
@@ -26,24 +27,14 @@ const Bytes erase_second = board_command(0x86);
 struct Bench {
     explicit Bench(BoardConfig config = {}) : board(std::move(config)), driver(board.target()) {}
 
-    // All that comes within a second.
-    Bytes ask(const Bytes& bytes) {
-        driver.advance(10ms);
-        driver.send(bytes);
-        driver.advance(1s);
-        return driver.take_bytes();
-    }
+    Bytes ask(const Bytes& bytes) { return driver.ask(bytes); }
     std::uint8_t at(std::size_t address) { return std::as_const(board).storage()[address]; }
 
     SimulatedBoard board;
     TargetDriver driver;
 };
 
-BoardConfig with_fault(const char* text) {
-    BoardConfig config;
-    config.faults = {sim::parse_fault_on<BoardFrame>(text).value()};
-    return config;
-}
+constexpr auto with_fault = config_with_fault<BoardConfig, BoardFrame>;
 
 Bytes check_answered_with(const char* fault) {
     return Bench(with_fault(fault)).ask(check);
@@ -326,22 +317,16 @@ TEST(BoardFaults, LoseAFrameUndoneOrItsAnswerAlone) {
 }
 
 TEST(BoardFaults, StrikeEachKindOfFrame) {
-    const std::pair<const char*, Bytes> frames[] = {{"wake", wake},
-                                                    {"link_check", check},
-                                                    {"version", board_command(0x0C)},
-                                                    {"capacity", board_command(0x0E)},
-                                                    {"erase", erase_all},
-                                                    {"erase_second", erase_second},
-                                                    {"block", board_block(0x4000, {1})},
-                                                    {"read", board_read(0)},
-                                                    {"any", check}};
-    for (const auto& [name, frame] : frames) {
-        const std::string text = std::string("lose_reply@") + name + ":2";
-        Bench bench(with_fault(text.c_str()));
-        EXPECT_FALSE(bench.ask(frame).empty()) << name;
-        EXPECT_TRUE(bench.ask(frame).empty()) << name;
-        EXPECT_FALSE(bench.ask(frame).empty()) << name;
-    }
+    const NamedFrame frames[] = {{"wake", wake},
+                                 {"link_check", check},
+                                 {"version", board_command(0x0C)},
+                                 {"capacity", board_command(0x0E)},
+                                 {"erase", erase_all},
+                                 {"erase_second", erase_second},
+                                 {"block", board_block(0x4000, {1})},
+                                 {"read", board_read(0)},
+                                 {"any", check}};
+    expect_struck_by_name<Bench>(frames, with_fault);
     EXPECT_FALSE(sim::parse_fault_on<BoardFrame>("lose_reply@status"));
     EXPECT_FALSE(sim::parse_fault_on<BoardFrame>("lose_reply@"));
     EXPECT_FALSE(sim::parse_fault_on<BoardFrame>("nonsense@wake"));

@@ -9,13 +9,12 @@
 #include <numeric>
 #include <span>
 #include <utility>
-#include <vector>
 
+#include "frame_bytes.h"
 #include "simulators/simulated_chip.h"
 
 namespace vkm::test {
 
-using Bytes = std::vector<std::uint8_t>;
 using namespace std::chrono_literals;
 
 inline std::uint8_t sum(std::span<const std::uint8_t> bytes) {
@@ -32,20 +31,13 @@ inline Bytes short_frame(std::initializer_list<int> command_and_body) {
 }
 
 inline Bytes block_frame(int command, std::uint32_t address, const Bytes& data) {
-    const auto n = data.size();
-    Bytes frame = {0x46,
-                   0xB9,
-                   0x6A,
-                   static_cast<std::uint8_t>((n + 12) >> 8),
-                   static_cast<std::uint8_t>(n + 12),
-                   static_cast<std::uint8_t>(command),
-                   static_cast<std::uint8_t>(address >> 24),
-                   static_cast<std::uint8_t>(address >> 16),
-                   static_cast<std::uint8_t>(address >> 8),
-                   static_cast<std::uint8_t>(address),
-                   static_cast<std::uint8_t>(n >> 8),
-                   static_cast<std::uint8_t>(n)};
-    frame.insert(frame.end(), data.begin(), data.end());
+    const auto n = static_cast<std::uint32_t>(data.size());
+    Bytes frame = joined({{0x46, 0xB9, 0x6A},
+                          big_endian(n + 12, 2),
+                          {static_cast<std::uint8_t>(command)},
+                          big_endian(address, 4),
+                          big_endian(n, 2),
+                          data});
     frame.push_back(sum(std::span(frame).subspan(2)));
     frame.push_back(0x16);
     return frame;

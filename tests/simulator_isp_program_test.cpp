@@ -7,6 +7,7 @@
 #include "board_frames.h"
 #include "simulators/byte_values.h"
 #include "simulators/simulated_isp_program.h"
+#include "struck_frames.h"
 #include "target_driver.h"
 
 namespace vkm::test {
@@ -25,23 +26,13 @@ struct Bench {
     explicit Bench(IspConfig config = {})
         : target(std::move(config)), driver(target.target(), target.config().baud) {}
 
-    // All that comes within a second.
-    Bytes ask(const Bytes& bytes) {
-        driver.advance(10ms);
-        driver.send(bytes);
-        driver.advance(1s);
-        return driver.take_bytes();
-    }
+    Bytes ask(const Bytes& bytes) { return driver.ask(bytes); }
 
     sim::SimulatedIspProgram target;
     TargetDriver driver;
 };
 
-IspConfig with_fault(const char* text) {
-    IspConfig config;
-    config.faults = {sim::parse_fault_on<IspFrame>(text).value()};
-    return config;
-}
+constexpr auto with_fault = config_with_fault<IspConfig, IspFrame>;
 
 Bytes connect_answered_with(const char* fault) {
     return Bench(with_fault(fault)).ask(connect);
@@ -242,18 +233,12 @@ TEST(IspFaults, LoseAFrameUndoneOrItsAnswerAlone) {
 TEST(IspFaults, StrikeEachKindOfFrame) {
     IspConfig config;
     config.answers_end = true;
-    const std::pair<const char*, Bytes> frames[] = {{"connect", connect},
-                                                    {"version", version},
-                                                    {"erase", erase},
-                                                    {"block", isp_block(0, {1})},
-                                                    {"any", version}};
-    for (const auto& [name, frame] : frames) {
-        const std::string text = std::string("lose_reply@") + name + ":2";
-        Bench bench(with_fault(text.c_str()));
-        EXPECT_FALSE(bench.ask(frame).empty()) << name;
-        EXPECT_TRUE(bench.ask(frame).empty()) << name;
-        EXPECT_FALSE(bench.ask(frame).empty()) << name;
-    }
+    const NamedFrame frames[] = {{"connect", connect},
+                                 {"version", version},
+                                 {"erase", erase},
+                                 {"block", isp_block(0, {1})},
+                                 {"any", version}};
+    expect_struck_by_name<Bench>(frames, with_fault);
     config.faults = {sim::parse_fault_on<IspFrame>("lose_reply@end").value()};
     EXPECT_TRUE(Bench(config).ask(end_job).empty());
 }

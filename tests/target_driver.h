@@ -10,11 +10,11 @@
 #include <utility>
 #include <vector>
 
+#include "frame_bytes.h"
 #include "simulators/wire.h"
 
 namespace vkm::test {
 
-using Bytes = std::vector<std::uint8_t>;
 using namespace std::chrono_literals;
 
 class TargetDriver {
@@ -49,6 +49,14 @@ class TargetDriver {
         Bytes bytes;
         for (const sim::WireByte& byte : take()) bytes.push_back(byte.value);
         return bytes;
+    }
+
+    // All that comes within a second of these bytes.
+    Bytes ask(const Bytes& bytes) {
+        advance(10ms);
+        send(bytes);
+        advance(1s);
+        return take_bytes();
     }
 
     sim::Instant now{1s};
