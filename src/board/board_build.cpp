@@ -22,7 +22,6 @@ namespace {
 constexpr double first_number_out_of_reach = 2147483648.0;
 constexpr std::int32_t longest_number = 10;  // bytes
 constexpr std::int32_t greatest_increment = 0xFF;
-constexpr std::int32_t bytes_per_kilobyte = 1024;
 
 enum Field { address_field, length_field, next_field, increase_field };
 

@@ -7,6 +7,7 @@
 
 #include "board/board_build.h"
 #include "board/board_help.h"
+#include "board/board_image.h"
 #include "board/board_link.h"
 #include "board/board_texts.h"
 #include "link/isp_link.h"
@@ -28,7 +29,6 @@ namespace {
 constexpr std::int16_t link_block_size = 128;
 constexpr std::int32_t block_wait_ms = 600;
 constexpr std::int32_t gap_wait_ms = 200;
-constexpr std::int32_t bytes_per_kilobyte = 1024;
 
 constexpr std::uint8_t link_check = 0x80;
 constexpr std::uint8_t version_command = 0x0C;

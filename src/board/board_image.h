@@ -54,6 +54,8 @@ struct Board_Job {
     std::int32_t Board_Capacity;       // bytes
 };
 
+inline constexpr std::int32_t bytes_per_kilobyte = 1024;  // of the board's capacity
+
 // Bytes of program that the board takes for a model of this family.
 std::int32_t board_code_limit(std::int16_t MCU_Family, std::int32_t Board_Capacity);
 
