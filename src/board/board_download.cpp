@@ -99,7 +99,8 @@ void tell_code_left_out(frmMain& frm) {
     const std::int32_t last = std::min(frm.images.AP_Buffer.Image_High, Board_Code_Limit(frm) - 1);
     if (last < end) return;
     beep_times(frm, 2);
-    append_message(frm.screen, std::string(board_text::code_left_out[0]) + hex_text(end, 4) +
+    append_message(frm.screen, std::string(board_text::code_left_out[0]) +
+                                   hex_text(static_cast<std::uint64_t>(end), 4) +
                                    std::string(board_text::code_left_out[1]));
     scroll_log_to_end(frm.screen);
 }
